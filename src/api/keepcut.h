@@ -1,0 +1,84 @@
+/* keepcut: the engine's C interface for hosts.
+
+   Conventions, stated once:
+   - Every entry has C linkage and may be called from C99 or C++.
+   - Results are ints; 1 is success unless an entry says otherwise. Failures
+     also append a line to the message log (getErrMsg). No entry throws or
+     aborts: every C++ failure is turned into a result at the boundary.
+   - Buffers are owned by the host; the engine never keeps a pointer past the
+     call that received it. Pointers returned by the engine are owned by the
+     engine unless an entry says otherwise.
+   - Process-wide state (message log, progress counter) has no lock: one
+     request at a time. */
+#ifndef KEEPCUT_H
+#define KEEPCUT_H
+
+#include "keepcut_export.h"
+
+KC_EXTERN_C_BEGIN
+
+/* ---- progress ----------------------------------------------------------- */
+
+/* Host progress callback: current out of total, with the host's data pointer.
+   The value it returns is passed back to the engine's caller and never
+   cancels work. */
+typedef int (*RKProgressProc)(int current, int total, void* data);
+
+/* Resets the flat progress counter and forgets the callback. Returns 1. */
+KC_EXPORT int initProgProc(void);
+/* Installs callback and data (borrowed, not owned) with a total and an
+   increment per kick; the counter restarts at 0. Returns 1. */
+KC_EXPORT int setProgProc(RKProgressProc proc, void* data, int total, int inc);
+/* Changes total and increment, keeping the counter; returns the counter. */
+KC_EXPORT int setProgRange(int total, int inc);
+/* Advances the counter by the increment (falling back to half of the total
+   when it reaches the end) and calls the callback; returns its result, or 1
+   when no callback or data is installed. */
+KC_EXPORT int progressKick(void);
+
+/* ---- message log -------------------------------------------------------- */
+
+/* Appends text (without its terminator) to the 40960-byte message ring; the
+   newest text overwrites the oldest once the ring is full. Returns the new end
+   position. */
+KC_EXPORT int copyErrMsg(const char* text);
+/* The log, oldest text first, zero-terminated. The pointer is owned by the
+   engine and stays valid for the life of the library; reading does not empty
+   the log. */
+KC_EXPORT char* getErrMsg(void);
+/* Empties the log. */
+KC_EXPORT void clearErrMsg(void);
+
+/* ---- memory budget, environment, timing --------------------------------- */
+
+/* Usable memory in bytes (physical memory less 300 MB, clamped to
+   500 MB .. 2.9 GB), written into both arguments. Returns 1. */
+#ifdef __cplusplus
+KC_EXPORT int checkMemInBytes(double& usable, double& usableAgain);
+#else
+KC_EXPORT int checkMemInBytes(double* usable, double* usableAgain);
+#endif
+/* Usable bytes divided by 1250: the budget unit the tiling code multiplies by
+   1000. */
+KC_EXPORT int usableMemInMB(void);
+/* Sets up the solver's environment (out-of-core factorisation off). Returns 1. */
+KC_EXPORT int setRKEnvVars(void);
+/* Counterpart of setRKEnvVars; nothing to undo. Returns 1. */
+KC_EXPORT int restoreRKEnvVars(void);
+/* Starts the engine's stopwatch. */
+KC_EXPORT void startTimer(void);
+/* Seconds since startTimer. */
+KC_EXPORT double endTimer(void);
+
+/* Settings read by nothing in the engine, kept for hosts that set them: a
+   temporary directory and the out-of-core solver's directory, in-core size
+   limit (MB) and keep-files switch. */
+#define KC_SETTINGS_PATH_BYTES 1024
+KC_EXPORT extern char gTempPath[KC_SETTINGS_PATH_BYTES];
+KC_EXPORT extern char gMKL_PARDISO_OOC_PATH[KC_SETTINGS_PATH_BYTES];
+KC_EXPORT extern int gMKL_PARDISO_OOC_MAX_CORE_SIZE;
+KC_EXPORT extern int gMKL_PARDISO_OOC_KEEP_FILE;
+
+KC_EXTERN_C_END
+
+#endif /* KEEPCUT_H */

@@ -1,0 +1,39 @@
+// The flat progress counter driven by the solvers.
+#include "runtime/progress.h"
+
+RKProgressProc gProgProc = nullptr;
+void* gProgDatap = nullptr;
+int gProgressCurrent = 0;
+int gProgressInc = 0;
+int gProgressTotal = 0;
+
+int initProgProc(void) {
+    gProgressTotal = gProgressCurrent = gProgressInc = 0;
+    gProgProc = nullptr;
+    gProgDatap = nullptr;
+    return 1;
+}
+
+int setProgProc(RKProgressProc proc, void* data, int total, int inc) {
+    gProgProc = proc;
+    gProgDatap = data;
+    gProgressTotal = total;
+    gProgressInc = inc;
+    gProgressCurrent = 0;
+    return 1;
+}
+
+int setProgRange(int total, int inc) {
+    gProgressTotal = total;
+    gProgressInc = inc;
+    return gProgressCurrent;
+}
+
+int progressKick(void) {
+    if (!gProgProc || !gProgDatap) return 1;
+    gProgressCurrent += gProgressInc;
+    // At the end the bar falls back to half-way rather than sitting full while
+    // work goes on.
+    if (gProgressCurrent >= gProgressTotal) gProgressCurrent = gProgressTotal / 2;
+    return gProgProc(gProgressCurrent, gProgressTotal, gProgDatap);
+}

@@ -1,0 +1,98 @@
+// Message log ring and the entry guard that writes into it.
+#include <gtest/gtest.h>
+
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "runtime/entry_guard.h"
+#include "runtime/err_msg.h"
+
+namespace {
+
+class MessageLog : public ::testing::Test {
+protected:
+    void SetUp() override { clearErrMsg(); }
+    void TearDown() override { clearErrMsg(); }
+};
+
+TEST_F(MessageLog, KeepsTextsInOrderAndSurvivesReading) {
+    EXPECT_EQ(copyErrMsg("first. "), 7);
+    EXPECT_EQ(copyErrMsg(""), 7);  // empty text changes nothing
+    copyErrMsg("second.");
+    EXPECT_STREQ(getErrMsg(), "first. second.");
+    EXPECT_STREQ(getErrMsg(), "first. second.");
+    copyErrMsg(" third");
+    EXPECT_STREQ(getErrMsg(), "first. second. third");
+    clearErrMsg();
+    EXPECT_STREQ(getErrMsg(), "");
+}
+
+TEST_F(MessageLog, ExactlyFullWrapsToStartAndRotatesOnRead) {
+    std::string text(kErrMsgBytes, ' ');
+    for (int i = 0; i < kErrMsgBytes; ++i) text[i] = static_cast<char>('a' + i % 26);
+    EXPECT_EQ(copyErrMsg(text.c_str()), 0);
+    EXPECT_TRUE(g_rkLastErrIsWrap);
+    // Oldest first from position 1; the last byte becomes the terminator.
+    const std::string got = getErrMsg();
+    EXPECT_EQ(got, text.substr(1));
+    EXPECT_FALSE(g_rkLastErrIsWrap);
+    EXPECT_EQ(g_rkLastErrEnd, kErrMsgBytes - 1);
+}
+
+TEST_F(MessageLog, NewestTextOverwritesOldestAfterWrap) {
+    std::string filler(kErrMsgBytes - 5, 'x');
+    copyErrMsg(filler.c_str());
+    copyErrMsg("0123456789");  // 5 bytes at the end, 5 wrapped to the start
+    EXPECT_EQ(g_rkLastErrEnd, 5);
+    const std::string got = getErrMsg();
+    ASSERT_EQ(got.size(), static_cast<size_t>(kErrMsgBytes - 1));
+    // Reads from end+1: the x's that survived, then the whole new text.
+    EXPECT_EQ(got.substr(got.size() - 10), "0123456789");
+    EXPECT_EQ(got.find_first_not_of('x'), got.size() - 10);
+    // Appending after the rotation continues at the end, wrapping again.
+    copyErrMsg("Z");
+    EXPECT_TRUE(g_rkLastErrIsWrap);
+    EXPECT_EQ(g_rkLastErrEnd, 0);
+}
+
+TEST_F(MessageLog, GuardMapsEveryFailureKind) {
+    EXPECT_EQ(rkGuardEntry([] { return 1; }), 1);
+    EXPECT_STREQ(getErrMsg(), "");
+
+    EXPECT_EQ(rkGuardEntry([]() -> int { throw 121; }), 121);
+    EXPECT_EQ(rkGuardEntry([]() -> int { throw -5; }), -5);
+    EXPECT_STREQ(getErrMsg(), "");  // codes pass through silently
+
+    EXPECT_EQ(rkGuardEntry([]() -> int { throw std::bad_alloc(); }), -6);
+    EXPECT_STREQ(getErrMsg(), kOutOfMemoryText);
+    clearErrMsg();
+    EXPECT_EQ(rkGuardEntry([]() -> int { throw RkBase::RKRC(); }), -6);
+    EXPECT_STREQ(getErrMsg(), kOutOfMemoryText);
+    clearErrMsg();
+
+    EXPECT_EQ(rkGuardEntry([]() -> int { throw std::runtime_error("x"); }), -6);
+    EXPECT_STREQ(getErrMsg(), "Unknown Engine Error.");
+    clearErrMsg();
+    EXPECT_EQ(rkGuardEntry([]() -> int { throw "CProgMsg - done "; },
+                           UnknownFailureText::OutOfMemory),
+              -6);
+    EXPECT_STREQ(getErrMsg(),
+                 "Out of System Memory !! \nPlease close unused applications or try smaller "
+                 "pictures.");
+}
+
+TEST_F(MessageLog, GuardFreesLocalsOnEveryPath) {
+    static int alive = 0;
+    struct Tracked {
+        Tracked() { ++alive; }
+        ~Tracked() { --alive; }
+    };
+    rkGuardEntry([]() -> int {
+        Tracked a, b;
+        throw 102;
+    });
+    EXPECT_EQ(alive, 0);
+}
+
+}  // namespace
