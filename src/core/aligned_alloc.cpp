@@ -20,7 +20,8 @@ void* alignedBytes(long long bytes) {
     if (bytes <= 0 || consumeInjectedFailure()) return nullptr;
     // aligned_alloc wants a size that is a multiple of the alignment.
     const long long rounded = (bytes + kImageAlignment - 1) / kImageAlignment * kImageAlignment;
-    if (rounded > static_cast<long long>(std::numeric_limits<std::ptrdiff_t>::max())) return nullptr;
+    if (rounded > static_cast<long long>(std::numeric_limits<std::ptrdiff_t>::max()))
+        return nullptr;
     return std::aligned_alloc(kImageAlignment, static_cast<size_t>(rounded));
 }
 }  // namespace
@@ -35,7 +36,9 @@ void* kcAlignedAllocRows(long long rowBytes, int h, int* step) {
     return p;
 }
 
-void kcAlignedFree(void* p) { std::free(p); }
+void kcAlignedFree(void* p) {
+    std::free(p);
+}
 
 Ipp8u* ippiMalloc_8u_C1(int w, int h, int* step) {
     return static_cast<Ipp8u*>(kcAlignedAllocRows(static_cast<long long>(w), h, step));
@@ -46,11 +49,21 @@ Ipp16s* ippiMalloc_16s_C1(int w, int h, int* step) {
 Ipp32f* ippiMalloc_32f_C1(int w, int h, int* step) {
     return static_cast<Ipp32f*>(kcAlignedAllocRows(4LL * w, h, step));
 }
-void ippiFree(void* p) { kcAlignedFree(p); }
-Ipp8u* ippsMalloc_8u(int len) { return static_cast<Ipp8u*>(alignedBytes(len)); }
-Ipp32s* ippsMalloc_32s(int len) { return static_cast<Ipp32s*>(alignedBytes(4LL * len)); }
-void ippsFree(void* p) { kcAlignedFree(p); }
+void ippiFree(void* p) {
+    kcAlignedFree(p);
+}
+Ipp8u* ippsMalloc_8u(int len) {
+    return static_cast<Ipp8u*>(alignedBytes(len));
+}
+Ipp32s* ippsMalloc_32s(int len) {
+    return static_cast<Ipp32s*>(alignedBytes(4LL * len));
+}
+void ippsFree(void* p) {
+    kcAlignedFree(p);
+}
 
 namespace kc::testing {
-void failNextAlignedAllocs(int n) { g_failCountdown.store(n); }
+void failNextAlignedAllocs(int n) {
+    g_failCountdown.store(n);
+}
 }  // namespace kc::testing

@@ -18,17 +18,20 @@ inline constexpr int kErrOutOfMemory = 102;
 
 // Row step of the general-heap fallback: the next multiple of 16 strictly above
 // the row width (a width already on 16 still gains 16 bytes, as it always has).
-inline int heapFallbackStep(int rowBytes) { return (rowBytes / 16 + 1) * 16; }
+inline int heapFallbackStep(int rowBytes) {
+    return (rowBytes / 16 + 1) * 16;
+}
 
 template <typename T, int C>
 class IMG {
-    static_assert((C == 1 && (std::is_same_v<T, unsigned char> || std::is_same_v<T, unsigned short> ||
-                              std::is_same_v<T, short> || std::is_same_v<T, float>)) ||
+    static_assert((C == 1 &&
+                   (std::is_same_v<T, unsigned char> || std::is_same_v<T, unsigned short> ||
+                    std::is_same_v<T, short> || std::is_same_v<T, float>)) ||
                       (C == 3 && (std::is_same_v<T, unsigned char> || std::is_same_v<T, short> ||
                                   std::is_same_v<T, float>)),
                   "no such image type in the engine");
 
-public:
+  public:
     T* buf = nullptr;       // start of the whole block; never moves
     bool ippAlloc = false;  // block came from the aligned allocator
     bool extMem = false;    // block is borrowed from the caller
@@ -106,22 +109,20 @@ public:
 
 template <typename T>
 class GIMG : public IMG<T, 1> {
-public:
+  public:
     GIMG(int w, int h) : IMG<T, 1>(w, h, nullptr, 0) {}
     // Wrapping foreign memory exists for 8-bit planes only.
     GIMG(int w, int h, void* mem, int stepBytes)
-        requires std::is_same_v<T, unsigned char>
-        : IMG<T, 1>(w, h, mem, stepBytes) {}
+    requires std::is_same_v<T, unsigned char> : IMG<T, 1>(w, h, mem, stepBytes) {}
     ~GIMG() override = default;
 };
 
 template <typename T>
 class IMG3 : public IMG<T, 3> {
-public:
+  public:
     IMG3(int w, int h) : IMG<T, 3>(w, h, nullptr, 0) {}
     IMG3(int w, int h, void* mem, int stepBytes)
-        requires std::is_same_v<T, unsigned char>
-        : IMG<T, 3>(w, h, mem, stepBytes) {}
+    requires std::is_same_v<T, unsigned char> : IMG<T, 3>(w, h, mem, stepBytes) {}
     ~IMG3() override = default;
 };
 

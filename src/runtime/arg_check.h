@@ -21,7 +21,8 @@ inline bool rkRefuse(const char* entry, const char* what) {
 inline bool rkCheckBuffer(const char* entry, const char* name, const void* p, int w, int h,
                           long long rowBytes, int bytesPerPixel) {
     if (!p) return rkRefuse(entry, (std::string(name) + " is null").c_str());
-    if (w < 0 || h < 0) return rkRefuse(entry, (std::string(name) + " has a negative size").c_str());
+    if (w < 0 || h < 0)
+        return rkRefuse(entry, (std::string(name) + " has a negative size").c_str());
     if (rowBytes < static_cast<long long>(w) * bytesPerPixel)
         return rkRefuse(entry, (std::string(name) + " rows are shorter than its width").c_str());
     return true;

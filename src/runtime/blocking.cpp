@@ -61,10 +61,15 @@ int calcBlk(int len, int blk, float overlapFrac, int* blkLen, int* stride) {
 
 int calcPixelStep(int type) {
     switch (type) {
-        case 1: return 3;  // 8-bit RGB
-        case 3: return 6;  // 16-bit RGB
-        case 5: return 4;  // 8-bit RGB plus a carried byte
-        case 6: return 8;  // 16-bit RGB plus a carried channel
-        default: return 0;
+        case 1:
+            return 3;  // 8-bit RGB
+        case 3:
+            return 6;  // 16-bit RGB
+        case 5:
+            return 4;  // 8-bit RGB plus a carried byte
+        case 6:
+            return 8;  // 16-bit RGB plus a carried channel
+        default:
+            return 0;
     }
 }

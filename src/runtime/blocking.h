@@ -2,9 +2,13 @@
 #pragma once
 
 // n rounded up to a multiple of 16.
-inline int MAKEM16(int n) { return (n + 15) / 16 * 16; }
+inline int MAKEM16(int n) {
+    return (n + 15) / 16 * 16;
+}
 // n rounded up to an even number.
-inline int MAKEM2(int n) { return (n + 1) / 2 * 2; }
+inline int MAKEM2(int n) {
+    return (n + 1) / 2 * 2;
+}
 
 // Blocks of about blk pixels overlapping by `overlap` pixels; returns the count
 // and writes the block length and the stride between block starts.

@@ -14,27 +14,41 @@ double g_timer = 0.0;
 
 void setMaxOMPThreads(int) {}
 void resetMaxOMPThreads() {}
-int isPardisoOOCOk() { return 0; }
+int isPardisoOOCOk() {
+    return 0;
+}
 
 int setRKEnvVars(void) {
     gMKL_PARDISO_OOC_OK = 0;
     return 1;
 }
 
-int restoreRKEnvVars(void) { return 1; }
+int restoreRKEnvVars(void) {
+    return 1;
+}
 
-void clearRKPNUM() { g_rkpImgNum = 0; }
-void changeRKPNUM(int d) { g_rkpImgNum += d; }
-int getRKPNUM() { return g_rkpImgNum; }
+void clearRKPNUM() {
+    g_rkpImgNum = 0;
+}
+void changeRKPNUM(int d) {
+    g_rkpImgNum += d;
+}
+int getRKPNUM() {
+    return g_rkpImgNum;
+}
 
 namespace {
 using Clock = std::chrono::steady_clock;
-double ticksNow() { return static_cast<double>(Clock::now().time_since_epoch().count()); }
+double ticksNow() {
+    return static_cast<double>(Clock::now().time_since_epoch().count());
+}
 constexpr double kTicksPerSecond =
     static_cast<double>(Clock::period::den) / static_cast<double>(Clock::period::num);
 }  // namespace
 
-void startTimer(void) { g_timer = ticksNow(); }
+void startTimer(void) {
+    g_timer = ticksNow();
+}
 
 double endTimer(void) {
     g_timer = (ticksNow() - g_timer) / kTicksPerSecond;

@@ -21,7 +21,7 @@ inline constexpr int kProgFullScale = 1000000;
 // Nested stages: each stage has a weight relative to its parent and a done
 // fraction; the reported value is the weighted sum of the done fractions.
 class CProgMsgGlobal {
-public:
+  public:
     RKProgressProc callback = nullptr;
     void* data = nullptr;
     int level = 0;
@@ -56,7 +56,7 @@ struct ProgRecord {
 
 // Spreads a share of a shared counter over a number of steps.
 class CProgMsg {
-public:
+  public:
     ProgRecord* record;  // borrowed; the creator keeps it alive
     int start = 0;
     int end = 0;
@@ -72,6 +72,6 @@ public:
     void startSubInc(int n);
     void endSubInc();
 
-private:
+  private:
     bool missing() const { return !record || !record->callback || !record->data; }
 };

@@ -96,8 +96,7 @@ int CProgMsg::proggress() {
 int CProgMsg::done() {
     if (missing()) return 1;
     record->current = end;
-    return callGuarded(record->callback, record->current, record->total, record->data,
-                       kDoneFailed);
+    return callGuarded(record->callback, record->current, record->total, record->data, kDoneFailed);
 }
 
 void CProgMsg::startSubInc(int n) {

@@ -2,13 +2,13 @@
 #pragma once
 
 class RkBase {
-public:
+  public:
     RkBase() = default;
     ~RkBase() = default;
 
     // Result-code exception; entry points treat it as memory exhaustion.
     class RKRC {
-    public:
+      public:
         RKRC() = default;
         ~RKRC() = default;
     };

@@ -1,11 +1,11 @@
 // Image containers: region arithmetic, addressing, ownership and the
 // allocation paths (aligned, heap fallback, failure).
+#include "core/img.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <vector>
-
-#include "core/img.h"
 
 namespace {
 

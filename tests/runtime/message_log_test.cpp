@@ -11,7 +11,7 @@
 namespace {
 
 class MessageLog : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override { clearErrMsg(); }
     void TearDown() override { clearErrMsg(); }
 };
@@ -74,9 +74,9 @@ TEST_F(MessageLog, GuardMapsEveryFailureKind) {
     EXPECT_EQ(rkGuardEntry([]() -> int { throw std::runtime_error("x"); }), -6);
     EXPECT_STREQ(getErrMsg(), "Unknown Engine Error.");
     clearErrMsg();
-    EXPECT_EQ(rkGuardEntry([]() -> int { throw "CProgMsg - done "; },
-                           UnknownFailureText::OutOfMemory),
-              -6);
+    EXPECT_EQ(
+        rkGuardEntry([]() -> int { throw "CProgMsg - done "; }, UnknownFailureText::OutOfMemory),
+        -6);
     EXPECT_STREQ(getErrMsg(),
                  "Out of System Memory !! \nPlease close unused applications or try smaller "
                  "pictures.");

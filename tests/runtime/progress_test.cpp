@@ -1,11 +1,11 @@
 // Progress reporting: the flat counter, nested stages and per-task steps.
+#include "runtime/progress.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <stdexcept>
 #include <vector>
-
-#include "runtime/progress.h"
 
 namespace {
 
@@ -22,7 +22,9 @@ int record(int current, int total, void* data) {
     return c->answer;
 }
 
-int throwing(int, int, void*) { throw std::runtime_error("host failed"); }
+int throwing(int, int, void*) {
+    throw std::runtime_error("host failed");
+}
 
 TEST(FlatProgress, KicksAdvanceAndFallBackToHalf) {
     Calls calls;
@@ -50,7 +52,7 @@ TEST(FlatProgress, NeedsBothCallbackAndData) {
 }
 
 class StageProgress : public ::testing::Test {
-protected:
+  protected:
     Calls calls;
     CProgMsgGlobal* g = nullptr;
     void SetUp() override {
@@ -60,7 +62,9 @@ protected:
     void TearDown() override { g->setup(nullptr, nullptr, 0.0f); }
 };
 
-TEST_F(StageProgress, SingletonIsCreatedOnce) { EXPECT_EQ(CProgMsgGlobal::Inst(), g); }
+TEST_F(StageProgress, SingletonIsCreatedOnce) {
+    EXPECT_EQ(CProgMsgGlobal::Inst(), g);
+}
 
 TEST_F(StageProgress, TwoHalvesReportHalfThenAll) {
     g->progStart(0.5f);
@@ -154,9 +158,21 @@ TEST(TaskProgress, MissingPiecesAndHostFailures) {
     ProgRecord rec{100.0f, 100, throwing, &calls, 0};
     CProgMsg p(&rec);
     const char* texts[3] = {};
-    try { p.set(0.5f, 2); } catch (const char* t) { texts[0] = t; }
-    try { p.proggress(); } catch (const char* t) { texts[1] = t; }
-    try { p.done(); } catch (const char* t) { texts[2] = t; }
+    try {
+        p.set(0.5f, 2);
+    } catch (const char* t) {
+        texts[0] = t;
+    }
+    try {
+        p.proggress();
+    } catch (const char* t) {
+        texts[1] = t;
+    }
+    try {
+        p.done();
+    } catch (const char* t) {
+        texts[2] = t;
+    }
     EXPECT_STREQ(texts[0], "CProgMsg - set ");
     EXPECT_STREQ(texts[1], "CProgMsg - proggress ");
     EXPECT_STREQ(texts[2], "CProgMsg - done ");
