@@ -1,0 +1,82 @@
+// Picture and trimap reading with clear errors; cut-out assembly.
+#include "image_io.h"
+
+#include <filesystem>
+#include <vector>
+
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+
+namespace {
+
+cv::Mat readAnything(const std::string& path, const char* what) {
+    if (!std::filesystem::exists(path)) throw ToolError(std::string(what) + " not found: " + path);
+    cv::Mat m;
+    try {
+        m = cv::imread(path, cv::IMREAD_UNCHANGED);
+    } catch (const cv::Exception&) {
+        m.release();
+    }
+    if (m.empty()) throw ToolError(std::string(what) + " is not a readable image: " + path);
+    return m;
+}
+
+cv::Mat to8Bit(const cv::Mat& m) {
+    if (m.depth() == CV_8U) return m;
+    cv::Mat out;
+    if (m.depth() == CV_16U)
+        m.convertTo(out, CV_8U, 1.0 / 257.0);  // 65535 -> 255 exactly
+    else if (m.depth() == CV_32F || m.depth() == CV_64F)
+        m.convertTo(out, CV_8U, 255.0);  // float images hold 0..1
+    else
+        m.convertTo(out, CV_8U);
+    return out;
+}
+
+}  // namespace
+
+cv::Mat loadPicture(const std::string& path) {
+    const cv::Mat m = to8Bit(readAnything(path, "picture"));
+    cv::Mat bgr;
+    switch (m.channels()) {
+        case 1: cv::cvtColor(m, bgr, cv::COLOR_GRAY2BGR); break;
+        case 3: bgr = m; break;
+        case 4: cv::cvtColor(m, bgr, cv::COLOR_BGRA2BGR); break;
+        default: throw ToolError("picture has an unsupported number of channels: " + path);
+    }
+    return bgr;
+}
+
+cv::Mat loadTrimap(const std::string& path, cv::Size pictureSize) {
+    const cv::Mat m = to8Bit(readAnything(path, "trimap"));
+    if (m.size() != pictureSize)
+        throw ToolError("trimap is " + std::to_string(m.cols) + "x" + std::to_string(m.rows) +
+                        " but the picture is " + std::to_string(pictureSize.width) + "x" +
+                        std::to_string(pictureSize.height) + ": " + path);
+    cv::Mat grey;
+    if (m.channels() == 1)
+        grey = m;
+    else
+        cv::extractChannel(m, grey, 0);  // trimaps saved as colour are grey in every channel
+    return grey;
+}
+
+void writeImage(const std::string& path, const cv::Mat& image) {
+    bool ok = false;
+    try {
+        ok = cv::imwrite(path, image);
+    } catch (const cv::Exception&) {
+        ok = false;
+    }
+    if (!ok) throw ToolError("cannot write " + path);
+}
+
+cv::Mat makeCutout(const cv::Mat& colours, const cv::Mat& alpha) {
+    std::vector<cv::Mat> ch;
+    cv::split(colours, ch);
+    ch.resize(3);
+    ch.push_back(alpha);
+    cv::Mat out;
+    cv::merge(ch, out);
+    return out;
+}
