@@ -14,11 +14,3 @@ inline constexpr unsigned char kMaskPaintedBit = 1;
 // 0..5 already count as background and 250..255 as foreground.
 inline constexpr unsigned char kMaskBandLow = 6;
 inline constexpr unsigned char kMaskBandHigh = 249;
-
-inline constexpr bool isPaintedMaskByte(unsigned char v) {
-    return (v & kMaskPaintedBit) != 0;
-}
-
-inline constexpr bool isComputeBandByte(unsigned char v) {
-    return !isPaintedMaskByte(v) && v >= kMaskBandLow && v <= kMaskBandHigh;
-}
