@@ -79,6 +79,20 @@ KC_EXPORT extern char gMKL_PARDISO_OOC_PATH[KC_SETTINGS_PATH_BYTES];
 KC_EXPORT extern int gMKL_PARDISO_OOC_MAX_CORE_SIZE;
 KC_EXPORT extern int gMKL_PARDISO_OOC_KEEP_FILE;
 
+/* ---- keep/cut compute ---------------------------------------------------- */
+
+/* Box around the work left in a brush map of width x height (1 byte per pixel,
+   or 2 when is16Bit is non-zero; step in bytes): every value other than valueA
+   and valueB, widened by 12 pixels on each side and clipped to the map. Writes
+   the box to x, w, y, h; when it is lower than 24 rows, writes zeros and -1
+   counts instead. countA and countB (both may be null) receive how many box
+   pixels equal valueA and valueB. `ignored` is unused. Returns 1; -2 (with a
+   log line) for a null map or box pointer, a negative size or rows shorter
+   than the width. */
+KC_EXPORT int rkMaskBBox(int is16Bit, const void* map, int step, int width, int height, int* x,
+                         int* w, int* y, int* h, int* countA, int* countB, int ignored, int valueA,
+                         int valueB);
+
 KC_EXTERN_C_END
 
 #endif /* KEEPCUT_H */

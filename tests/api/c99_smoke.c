@@ -43,5 +43,19 @@ int main(void) {
     startTimer();
     if (endTimer() < 0.0) ++failures;
     gTempPath[0] = '\0';
+
+    {
+        /* A keep map with one band pixel: the box is that pixel plus the
+           12-pixel margin, and every other box pixel counts as keep. */
+        unsigned char map[40 * 40];
+        int x = -1, w = -1, y = -1, h = -1, keep = -1, cut = -1;
+        memset(map, 255, sizeof map);
+        map[20 * 40 + 20] = 128;
+        if (rkMaskBBox(0, map, 40, 40, 40, &x, &w, &y, &h, &keep, &cut, 0, 255, 1) != 1 || x != 8 ||
+            w != 25 || y != 8 || h != 25 || keep != 25 * 25 - 1 || cut != 0) {
+            puts("mask bounding box wrong");
+            ++failures;
+        }
+    }
     return failures == 0 ? 0 : 1;
 }
