@@ -11,7 +11,9 @@
 // new pixel is the guide-weighted mean of four known neighbours. Fine pixels
 // that no neighbourhood reaches (odd pixels of the first row and column, and
 // the last row and column when the destination is wider than 2w' - 1) keep
-// the destination's previous content.
+// the destination's previous content, and the passes next to the last
+// column and row read those previous values as neighbours (in the pyramid,
+// the finer level's own alpha).
 //
 // Returns 1 when done; 0, writing nothing, when nGuide is 5 or more or an
 // image pointer is null. Instantiated for unsigned char, float, short and
