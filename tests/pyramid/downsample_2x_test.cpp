@@ -87,20 +87,6 @@ TEST(Downsample2x, SmoothedPassEqualsTheEngineGaussianThenDecimation) {
     }
 }
 
-TEST(Downsample2x, SmoothingSpreadsAnInteriorSpikeButNotTheFrame) {
-    GIMG<Byte> src(8, 8), dst(4, 4);
-    pyrtest::fillBlock(src, Byte{0});
-    *imgPtr(src, 4, 4) = 160;  // interior, on the decimation grid
-    *imgPtr(src, 0, 2) = 96;   // on the frame: must pass unblurred
-    *imgPtr(src, 5, 2) = 64;   // between two grid pixels: weight 2/16 in each
-    ASSERT_EQ(CDnsampleRK2X(src, dst, true), 1);
-    EXPECT_EQ(*imgPtr(dst, 2, 2), 40);  // 160 * 4 / 16
-    EXPECT_EQ(*imgPtr(dst, 0, 1), 96);
-    EXPECT_EQ(*imgPtr(dst, 2, 1), 8);  // 64 * 2 / 16
-    EXPECT_EQ(*imgPtr(dst, 3, 1), 8);
-    EXPECT_EQ(*imgPtr(dst, 1, 1), 0);
-}
-
 TEST(Downsample2x, CombinedLandsOnAnyDestinationSize) {
     std::mt19937 rng(7);
     const auto s = pyrtest::randomGrid<Byte>(40, 30, 0, 255, rng);
