@@ -175,9 +175,14 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
         if (cc.outOfMemory()) return Outcome::OutOfMemory;
         throw kErrSolverAnalysis;
     }
-    if (g_tuning.ordering != DirectOrdering::GivenOrMinDegree) perm = nullptr;
+    if (g_tuning.ordering == DirectOrdering::MinDegree ||
+        g_tuning.ordering == DirectOrdering::LibraryDefault)
+        perm = nullptr;
     if (g_tuning.ordering == DirectOrdering::LibraryDefault) {
         c->nmethods = 0;
+    } else if (perm && g_tuning.ordering == DirectOrdering::GivenOnly) {
+        c->nmethods = 1;
+        c->method[0].ordering = CHOLMOD_GIVEN;
     } else if (perm) {
         c->nmethods = 2;
         c->method[0].ordering = CHOLMOD_GIVEN;
@@ -192,7 +197,10 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
         throw kErrSolverAnalysis;
     }
     g_lastTimes.analyse = secondsSince(t0);
-    g_lastTimes.factorNonzeros = c->lnz;
+    if (c->selected >= 0 && c->selected <= CHOLMOD_MAXMETHODS)
+        g_lastTimes.factorNonzeros = c->method[c->selected].lnz;
+    if (c->selected >= 0 && c->selected <= CHOLMOD_MAXMETHODS)
+        g_lastTimes.factorFlops = c->method[c->selected].fl;
     g_lastTimes.givenOrderingUsed = perm && L->ordering == CHOLMOD_GIVEN;
     progressKick();
 
