@@ -128,7 +128,8 @@ void compareAlternatives(const Picture& base) {
         DirectSolveTuning t;
     };
     const Alt alts[] = {
-        {"supernodal LL', grid dissection vs AMD (default)", {true, DirectOrdering::GivenOrMinDegree}},
+        {"supernodal LL', grid dissection vs AMD (default)",
+         {true, DirectOrdering::GivenOrMinDegree}},
         {"supernodal LL', grid dissection only", {true, DirectOrdering::GivenOnly}},
         {"supernodal LL', AMD only", {true, DirectOrdering::MinDegree}},
         {"supernodal LL', library default ordering", {true, DirectOrdering::LibraryDefault}},
@@ -154,14 +155,14 @@ int main(int argc, char** argv) {
     long long maxUnknowns = 2000000;
     bool compare = false;
     for (int i = 1; i < argc; ++i) {
-        if (!std::strcmp(argv[i], "--max-unknowns") && i + 1 < argc) maxUnknowns = std::atoll(argv[++i]);
+        if (!std::strcmp(argv[i], "--max-unknowns") && i + 1 < argc)
+            maxUnknowns = std::atoll(argv[++i]);
         if (!std::strcmp(argv[i], "--compare")) compare = true;
     }
     const Picture base = loadPicture();
     std::printf("Closed-form matting, picture: %s\n", base.name.c_str());
-    std::printf("%9s %11s %9s %9s %9s %9s %9s %9s | %8s %9s %9s\n", "unknowns", "image",
-                "assembly", "analyse", "factor", "solve", "total", "peak MB", "CG", "CG max",
-                "CG rms");
+    std::printf("%9s %11s %9s %9s %9s %9s %9s %9s | %8s %9s %9s\n", "unknowns", "image", "assembly",
+                "analyse", "factor", "solve", "total", "peak MB", "CG", "CG max", "CG rms");
     const long long targets[] = {100000, 200000, 500000, 1000000, 2000000};
     for (long long target : targets) {
         if (target > maxUnknowns) {
@@ -183,10 +184,10 @@ int main(int argc, char** argv) {
         cv::Mat unknown = (p.trimap != 0) & (p.trimap != 255);
         diff.convertTo(diff, CV_64F);
         const double rms = std::sqrt(cv::mean(diff.mul(diff), unknown)[0]);
-        std::printf("%9lld %5dx%-5d %8.2fs %8.2fs %8.2fs %8.2fs %8.2fs %9.0f | %7.2fs %9.0f %9.2f\n",
-                    countVariables(p.trimap), p.rgb.cols, p.rgb.rows, d.total - solverTime,
-                    d.times.analyse, d.times.factorise, d.times.solve, d.total, d.peakMB, c.total,
-                    maxDiff, rms);
+        std::printf(
+            "%9lld %5dx%-5d %8.2fs %8.2fs %8.2fs %8.2fs %8.2fs %9.0f | %7.2fs %9.0f %9.2f\n",
+            countVariables(p.trimap), p.rgb.cols, p.rgb.rows, d.total - solverTime, d.times.analyse,
+            d.times.factorise, d.times.solve, d.total, d.peakMB, c.total, maxDiff, rms);
         std::fflush(stdout);
     }
     if (compare) compareAlternatives(base);

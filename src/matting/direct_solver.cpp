@@ -212,23 +212,27 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
     double* bx = static_cast<double*>(B->x);
     for (long long k = 0; k < static_cast<long long>(n) * nrhs; ++k) bx[k] = b[k];
 
-    // Phases 2 and 3; a second round with the perturbed diagonal when the
-    // matrix proved only semidefinite (or too close to it to give a finite
-    // solution).
+    // Phases 2 and 3, again with a growing diagonal shift while the matrix
+    // proves only semidefinite (or too close to it for a finite solution).
+    // Its values come from single precision, so rounding alone can leave the
+    // zero eigenvalue of an unconstrained group slightly negative: the shift
+    // grows until it clears that.
     DensePtr X(nullptr, DenseDel{c});
-    for (int round = 0; round < 2; ++round) {
-        double beta[2] = {0.0, 0.0};
-        if (round == 1) {
-            beta[0] = kPivotPerturbation * std::max(largestDiagonal(A.get()), 1.0);
-            g_lastTimes.perturbed = true;
-        }
+    constexpr double kShifts[] = {0.0, kPivotPerturbation, kPivotPerturbation * 1e2,
+                                  kPivotPerturbation * 1e4};
+    constexpr int kRounds = static_cast<int>(sizeof(kShifts) / sizeof(kShifts[0]));
+    const double scale = std::max(largestDiagonal(A.get()), 1.0);
+    for (int round = 0; round < kRounds; ++round) {
+        const bool last = round == kRounds - 1;
+        double beta[2] = {kShifts[round] * scale, 0.0};
+        g_lastTimes.perturbed = round > 0;
         t0 = std::chrono::steady_clock::now();
         cholmod_factorize_p(A.get(), beta, nullptr, 0, L.get(), c);
         g_lastTimes.factorise += secondsSince(t0);
         if (cc.outOfMemory()) return Outcome::OutOfMemory;
         if (c->status < 0) throw kErrSolverFactor;
         if (c->status == CHOLMOD_NOT_POSDEF) {
-            if (round == 1) throw kErrSolverFactor;
+            if (last) throw kErrSolverFactor;
             continue;
         }
         progressKick();
@@ -240,7 +244,7 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
             throw kErrSolverSolve;
         }
         if (allFinite(X.get())) break;
-        if (round == 1) throw kErrSolverSolve;
+        if (last) throw kErrSolverSolve;
         X.reset();
     }
     const double* xx = static_cast<const double*>(X->x);

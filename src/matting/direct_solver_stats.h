@@ -8,7 +8,7 @@ struct DirectSolveTimes {
     double factorise = 0.0;          // seconds, over both rounds when perturbed
     double solve = 0.0;              // seconds
     double factorNonzeros = 0.0;     // entries of the triangular factor
-    double factorFlops = 0.0;  // floating-point operations of the factorisation
+    double factorFlops = 0.0;        // floating-point operations of the factorisation
     bool perturbed = false;          // the diagonal had to be shifted
     bool givenOrderingUsed = false;  // the caller's ordering beat minimum degree
 };
