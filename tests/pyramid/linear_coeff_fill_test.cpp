@@ -59,9 +59,10 @@ TEST(LinearCoeffFill, FillsEveryHoleAndKeepsFilledPixels) {
         double lo = 1e30, hi = -1e30;
         for (int y = 0; y < map.rows; ++y)
             for (int x = 0; x < map.cols; ++x)
-                if (map.at<float>(y, x) > -9.9e19f)
-                    lo = std::min<double>(lo, map.at<float>(y, x)),
+                if (map.at<float>(y, x) > -9.9e19f) {
+                    lo = std::min<double>(lo, map.at<float>(y, x));
                     hi = std::max<double>(hi, map.at<float>(y, x));
+                }
 
         pyramidFill_32f(map);
 
