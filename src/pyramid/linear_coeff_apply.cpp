@@ -18,8 +18,12 @@ const std::array<float, 256>& byteToUnit() {
     return table;
 }
 
-inline float colourAt(const unsigned char* row, int i) { return byteToUnit()[row[i]]; }
-inline float colourAt(const float* row, int i) { return row[i]; }
+inline float colourAt(const unsigned char* row, int i) {
+    return byteToUnit()[row[i]];
+}
+inline float colourAt(const float* row, int i) {
+    return row[i];
+}
 
 inline unsigned char toByte(float v) {
     return static_cast<unsigned char>(cvRound(std::clamp(v, 0.0f, 1.0f) * 255.0f));

@@ -19,7 +19,9 @@ constexpr float kSlopeRidge = 0.00031623f;
 constexpr float kOffsetRidge = 0.0016f;
 
 // Clamps a 3-wide window start so that the window stays inside [0, n).
-inline int windowStart(int c, int n) { return std::clamp(c - 1, 0, n - 3); }
+inline int windowStart(int c, int n) {
+    return std::clamp(c - 1, 0, n - 3);
+}
 
 }  // namespace
 

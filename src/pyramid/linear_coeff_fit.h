@@ -13,7 +13,9 @@ inline constexpr float kEmptyPixel = -1.0e20f;
 // through float arithmetic (a mean of markers, a scale) is still recognised.
 inline constexpr float kEmptyThreshold = -9.9e19f;
 
-inline bool isEmptyPixel(float v) { return v <= kEmptyThreshold; }
+inline bool isEmptyPixel(float v) {
+    return v <= kEmptyThreshold;
+}
 
 // The four coefficient maps a1, a2, a3, b (32-bit float, one channel each).
 struct CoeffMaps {

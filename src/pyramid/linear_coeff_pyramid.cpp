@@ -25,7 +25,9 @@ struct ColourRow {
     }
 };
 
-ColourRow colourRow(const cv::Mat& m, int y) { return {m.ptr(y), m.depth(), m.channels()}; }
+ColourRow colourRow(const cv::Mat& m, int y) {
+    return {m.ptr(y), m.depth(), m.channels()};
+}
 
 void checkColour(const cv::Mat& m, cv::Size size) {
     CV_Assert(m.depth() == CV_8U || m.depth() == CV_32F);
@@ -112,8 +114,8 @@ void downSampleAIC(const cv::Mat& alpha, const cv::Mat& image, const cv::Mat& kn
     }
 }
 
-void upsampleRecover_a1a2a3bPyramidMemorySave(cv::Mat& alpha, cv::Mat& picture,
-                                              cv::Mat& fullAlpha, int levels) {
+void upsampleRecover_a1a2a3bPyramidMemorySave(cv::Mat& alpha, cv::Mat& picture, cv::Mat& fullAlpha,
+                                              int levels) {
     CV_Assert(alpha.type() == CV_32FC1 && levels >= 1);
     CV_Assert(picture.type() == CV_8UC4 || picture.type() == CV_8UC3);
     CV_Assert(picture.size() == alpha.size());

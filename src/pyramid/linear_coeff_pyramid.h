@@ -25,5 +25,5 @@ void downSampleAIC(const cv::Mat& alpha, const cv::Mat& image, const cv::Mat& kn
 // be at least 3 x 3. Each level's maps are released as soon as the next finer level
 // no longer needs them. A picture whose coarsest level has no window of enough
 // known pixels gets alpha 0 wherever alpha was unknown.
-void upsampleRecover_a1a2a3bPyramidMemorySave(cv::Mat& alpha, cv::Mat& picture,
-                                              cv::Mat& fullAlpha, int levels);
+void upsampleRecover_a1a2a3bPyramidMemorySave(cv::Mat& alpha, cv::Mat& picture, cv::Mat& fullAlpha,
+                                              int levels);

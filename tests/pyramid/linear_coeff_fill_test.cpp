@@ -47,7 +47,7 @@ TEST(LinearCoeffFill, FillsEveryHoleAndKeepsFilledPixels) {
     const struct {
         int w, h;
         double share;
-    } cases[] = {{1, 1, 0.0}, {7, 1, 0.6}, {1, 9, 0.6}, {33, 17, 0.1},
+    } cases[] = {{1, 1, 0.0},   {7, 1, 0.6},    {1, 9, 0.6}, {33, 17, 0.1},
                  {33, 17, 0.9}, {64, 64, 0.99}, {5, 3, 0.5}};
     uint64_t seed = 2;
     for (const auto& c : cases) {

@@ -1,11 +1,12 @@
 // Pyramid route: halving keeps (colour, alpha) pairs on the same linear model, and a
 // sparsely known alpha that follows a linear colour model is completed at full size.
+#include "pyramid/linear_coeff_pyramid.h"
+
 #include <gtest/gtest.h>
 
 #include <opencv2/core.hpp>
 
 #include "pyramid/linear_coeff_fit.h"
-#include "pyramid/linear_coeff_pyramid.h"
 
 namespace {
 
@@ -13,7 +14,9 @@ using kc::coeff::isEmptyPixel;
 using kc::coeff::kEmptyPixel;
 
 // alpha = 0.15 + 0.4 c0 + 0.2 c1 + 0.1 c2, colours in [0, 1].
-double model(const float* c) { return 0.15 + 0.4 * c[0] + 0.2 * c[1] + 0.1 * c[2]; }
+double model(const float* c) {
+    return 0.15 + 0.4 * c[0] + 0.2 * c[1] + 0.1 * c[2];
+}
 double model(const cv::Vec4b& p) {
     const float c[3] = {p[0] / 255.0f, p[1] / 255.0f, p[2] / 255.0f};
     return model(c);

@@ -1,5 +1,7 @@
 // Coefficient upsampling: exact linear models survive the trip to full size, the
 // output saturates instead of wrapping, flat pictures still solve, runs repeat.
+#include "pyramid/linear_coeff_upsample.h"
+
 #include <gtest/gtest.h>
 
 #include <Eigen/Dense>
@@ -8,16 +10,13 @@
 #include <opencv2/imgproc.hpp>
 
 #include "pyramid/linear_coeff_fit.h"
-#include "pyramid/linear_coeff_upsample.h"
 
 namespace {
 
 // alpha = b + a1*c0 + a2*c1 + a3*c2 with colours in [0, 1].
 struct LinearModel {
     double a1, a2, a3, b;
-    double at(const cv::Vec4b& p) const {
-        return b + (a1 * p[0] + a2 * p[1] + a3 * p[2]) / 255.0;
-    }
+    double at(const cv::Vec4b& p) const { return b + (a1 * p[0] + a2 * p[1] + a3 * p[2]) / 255.0; }
 };
 
 cv::Mat randomPicture(int w, int h, int lo, int hi, uint64_t seed) {
@@ -85,7 +84,8 @@ TEST(LinearCoeffUpsample, FlatColourPicturesStillSolve) {
         for (const int level : {0, 128, 255}) {
             cv::Mat alpha(reduced.size(), CV_8UC1, cv::Scalar(level));
             const cv::Mat out = upsample(alpha, reduced, full);
-            EXPECT_LE(cv::norm(out, cv::Mat(out.size(), CV_8UC1, cv::Scalar(level)), cv::NORM_INF), 1.0)
+            EXPECT_LE(cv::norm(out, cv::Mat(out.size(), CV_8UC1, cv::Scalar(level)), cv::NORM_INF),
+                      1.0)
                 << level;
         }
         // A ramp over a single colour: only the offset (and slopes along the jitter,
