@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <array>
-#include <opencv2/imgproc.hpp>
+#include <vector>
+
+#include "core/img.h"
+#include "core/ippi_resize.h"
 
 namespace kc::coeff {
 namespace {
@@ -64,8 +67,20 @@ void finishWithOffset(const cv::Mat& acc, const cv::Mat& bBig, cv::Mat& out) {
 }  // namespace
 
 void enlargeBilinear(const cv::Mat& src, cv::Mat& dst, cv::Size size) {
-    CV_Assert(src.type() == CV_32FC1);
-    cv::resize(src, dst, size, 0.0, 0.0, cv::INTER_LINEAR);
+    CV_Assert(src.type() == CV_32FC1 && !src.empty() && size.area() > 0);
+    dst.create(size, CV_32FC1);
+    const IppiRect srcRoi{0, 0, src.cols, src.rows};
+    const IppiRect dstRoi{0, 0, size.width, size.height};
+    int bufBytes = 0;
+    ippiResizeGetBufSize(srcRoi, dstRoi, 1, IPPI_INTER_LINEAR, &bufBytes);
+    std::vector<Ipp8u> work(std::max(bufBytes, 1));
+    const IppStatus st = ippiResizeSqrPixel_32f_C1R(
+        src.ptr<float>(), IppiSize(src.cols, src.rows), static_cast<int>(src.step), srcRoi,
+        dst.ptr<float>(), static_cast<int>(dst.step), dstRoi,
+        static_cast<double>(size.width) / src.cols, static_cast<double>(size.height) / src.rows,
+        0.0, 0.0, IPPI_INTER_LINEAR, work.data());
+    if (st == ippStsMemAllocErr) throw kErrOutOfMemory;
+    CV_Assert(st == ippStsNoErr);
 }
 
 void applyEnlargedCoefficients(CoeffMaps& coeffs, const cv::Mat& picture, cv::Mat& out,

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "pyramid/small_qr_32f.h"
+#include "core/ippm_small_matrix.h"
 
 namespace kc::coeff {
 namespace {
@@ -25,22 +25,28 @@ inline int windowStart(int c, int n) {
 
 }  // namespace
 
-void solveWindowFit(const float rows[9][3], const float rhs[9], const bool use[9], float x[4]) {
-    float a[kRows * kUnknowns] = {};
+bool solveWindowFit(const float rows[9][3], const float rhs[9], const bool use[9], float x[4]) {
+    float a[kRows][kUnknowns] = {};
     float r[kRows] = {};
     for (int i = 0; i < kWindowPixels; ++i) {
-        if (!use[i]) continue;  // a zero row adds nothing to the normal equations
-        a[i * kUnknowns + 0] = rows[i][0];
-        a[i * kUnknowns + 1] = rows[i][1];
-        a[i * kUnknowns + 2] = rows[i][2];
-        a[i * kUnknowns + 3] = 1.0f;
+        if (!use[i]) continue;  // a zero row adds nothing to the solution
+        a[i][0] = rows[i][0];
+        a[i][1] = rows[i][1];
+        a[i][2] = rows[i][2];
+        a[i][3] = 1.0f;
         r[i] = rhs[i];
     }
-    a[9 * kUnknowns + 0] = kSlopeRidge;
-    a[10 * kUnknowns + 1] = kSlopeRidge;
-    a[11 * kUnknowns + 2] = kSlopeRidge;
-    a[12 * kUnknowns + 3] = kOffsetRidge;
-    qrLeastSquares_32f(a, r, kRows, kUnknowns, x);
+    a[9][0] = kSlopeRidge;
+    a[10][1] = kSlopeRidge;
+    a[11][2] = kSlopeRidge;
+    a[12][3] = kOffsetRidge;
+    constexpr int kRowBytes = kUnknowns * sizeof(float), kElemBytes = sizeof(float);
+    float qr[kRows][kUnknowns];
+    float scratch[kRows];
+    return ippmQRDecomp_m_32f(&a[0][0], kRowBytes, kElemBytes, scratch, &qr[0][0], kRowBytes,
+                              kElemBytes, kUnknowns, kRows) == ippStsNoErr &&
+           ippmQRBackSubst_mv_32f(&qr[0][0], kRowBytes, kElemBytes, scratch, r, kElemBytes, x,
+                                  kElemBytes, kUnknowns, kRows) == ippStsNoErr;
 }
 
 void fitLinearCoefficients(const cv::Mat& alpha, const cv::Mat& colour, CoeffMaps& out) {
@@ -74,12 +80,10 @@ void fitLinearCoefficients(const cv::Mat& alpha, const cv::Mat& colour, CoeffMap
                     rows[n][2] = cr[i * cn + 2];
                 }
             }
-            if (used < kMinFitSamples) {
-                for (int k = 0; k < 4; ++k) dst[k][xPix] = kEmptyPixel;
-                continue;
-            }
-            solveWindowFit(rows, rhs, use, x);
-            for (int k = 0; k < 4; ++k) dst[k][xPix] = x[k];
+            // The ridge rows keep the system of full rank, so a failed solve is not
+            // expected; it would leave the pixel empty like a window without data.
+            const bool fitted = used >= kMinFitSamples && solveWindowFit(rows, rhs, use, x);
+            for (int k = 0; k < 4; ++k) dst[k][xPix] = fitted ? x[k] : kEmptyPixel;
         }
     }
 }

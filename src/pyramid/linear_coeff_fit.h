@@ -33,9 +33,10 @@ void fitLinearCoefficients(const cv::Mat& alpha, const cv::Mat& colour, CoeffMap
 // that the fit is carried by the data rather than by the regularisation.
 inline constexpr int kMinFitSamples = 4;
 
-// Least-squares solve of the 13x4 regularised system for one window (exposed for
-// tests). rows: the nine [c0, c1, c2] triplets, rhs: their alphas, use: 0 where a row
-// is left out. Writes a1, a2, a3, b to x.
-void solveWindowFit(const float rows[9][3], const float rhs[9], const bool use[9], float x[4]);
+// Least-squares solve of the 13x4 regularised system for one window in single
+// precision by QR decomposition (exposed for tests). rows: the nine [c0, c1, c2]
+// triplets, rhs: their alphas, use: false where a row is left out. Writes a1, a2, a3,
+// b to x; false if the solve failed.
+bool solveWindowFit(const float rows[9][3], const float rhs[9], const bool use[9], float x[4]);
 
 }  // namespace kc::coeff

@@ -1,9 +1,11 @@
 // Reduced alpha -> full alpha through per-window linear colour coefficients.
 #include "pyramid/linear_coeff_upsample.h"
 
+#include <opencv2/imgproc.hpp>
+
+#include "core/ippi_noise.h"
 #include "pyramid/linear_coeff_apply.h"
 #include "pyramid/linear_coeff_fit.h"
-#include "pyramid/seeded_noise_32f.h"
 
 namespace {
 
@@ -30,10 +32,20 @@ void computeUpsampled_a1a2a3b_memorySave(cv::Mat& reducedAlpha, cv::Mat& reduced
     {
         cv::Mat alpha, colour;
         reducedAlpha.convertTo(alpha, CV_32F, kByteToUnit);
-        reducedPicture.convertTo(colour, CV_32F, kByteToUnit);
+        if (reducedPicture.channels() == 4) {
+            reducedPicture.convertTo(colour, CV_32F, kByteToUnit);
+        } else {
+            cv::Mat fourBytes;  // the jitter works on four-channel pixels
+            cv::cvtColor(reducedPicture, fourBytes, cv::COLOR_BGR2BGRA);
+            fourBytes.convertTo(colour, CV_32F, kByteToUnit);
+        }
+        const IppiSize size(alpha.cols, alpha.rows);
         unsigned int seed = kJitterSeed;
-        kc::coeff::addSeededGaussNoise_32f(colour, 3, 0.0f, kJitterStdDev, &seed);
-        kc::coeff::addSeededGaussNoise_32f(alpha, 1, 0.0f, kJitterStdDev, &seed);
+        const IppStatus colourSt = ippiAddRandGauss_Direct_32f_AC4IR(
+            colour.ptr<float>(), static_cast<int>(colour.step), size, 0.0f, kJitterStdDev, &seed);
+        const IppStatus alphaSt = ippiAddRandGauss_Direct_32f_C1IR(
+            alpha.ptr<float>(), static_cast<int>(alpha.step), size, 0.0f, kJitterStdDev, &seed);
+        CV_Assert(colourSt == ippStsNoErr && alphaSt == ippStsNoErr);
         kc::coeff::fitLinearCoefficients(alpha, colour, coeffs);
     }
     kc::coeff::applyEnlargedCoefficients(coeffs, fullPicture, fullAlpha, CV_8UC1);
