@@ -28,10 +28,6 @@ inline float colourAt(const float* row, int i) {
     return row[i];
 }
 
-inline unsigned char toByte(float v) {
-    return static_cast<unsigned char>(cvRound(std::clamp(v, 0.0f, 1.0f) * 255.0f));
-}
-
 // acc = big * colour channel k (first map) or acc += big * colour channel k.
 template <typename T>
 void accumulateProduct(const cv::Mat& big, const cv::Mat& picture, int k, cv::Mat& acc,
@@ -56,7 +52,7 @@ void finishWithOffset(const cv::Mat& acc, const cv::Mat& bBig, cv::Mat& out) {
         const float* b = bBig.ptr<float>(y);
         if (out.depth() == CV_8U) {
             unsigned char* o = out.ptr<unsigned char>(y);
-            for (int x = 0; x < w; ++x) o[x] = toByte(s[x] + b[x]);
+            for (int x = 0; x < w; ++x) o[x] = unitToByte(s[x] + b[x]);
         } else {
             float* o = out.ptr<float>(y);
             for (int x = 0; x < w; ++x) o[x] = s[x] + b[x];

@@ -2,11 +2,17 @@
 // are enlarged bilinearly, one at a time, and accumulated with the picture's colours.
 #pragma once
 
+#include <algorithm>
 #include <opencv2/core.hpp>
 
 #include "pyramid/linear_coeff_fit.h"
 
 namespace kc::coeff {
+
+// A value in [0, 1] (clamped first) as a rounded byte.
+inline unsigned char unitToByte(float v) {
+    return static_cast<unsigned char>(cvRound(std::clamp(v, 0.0f, 1.0f) * 255.0f));
+}
 
 // Bilinear enlargement of a CV_32FC1 map to `size`, pixel centres aligned (the
 // square-pixel mapping x_src = (x + 0.5) * W / FW - 0.5, edges replicated).

@@ -67,10 +67,6 @@ void fitAndFill(const cv::Mat& alpha, const cv::Mat& colour, kc::coeff::CoeffMap
     }
 }
 
-inline unsigned char unitToByte(float v) {
-    return static_cast<unsigned char>(cvRound(std::clamp(v, 0.0f, 1.0f) * 255.0f));
-}
-
 }  // namespace
 
 void downSampleAIC(const cv::Mat& alpha, const cv::Mat& image, const cv::Mat& known,
@@ -147,6 +143,6 @@ void upsampleRecover_a1a2a3bPyramidMemorySave(cv::Mat& alpha, cv::Mat& picture, 
         const float* a = alpha.ptr<float>(y);
         unsigned char* out = fullAlpha.ptr<unsigned char>(y);
         for (int x = 0; x < alpha.cols; ++x)
-            if (!isEmptyPixel(a[x])) out[x] = unitToByte(a[x]);
+            if (!isEmptyPixel(a[x])) out[x] = kc::coeff::unitToByte(a[x]);
     }
 }
