@@ -13,6 +13,8 @@
 #ifndef KEEPCUT_H
 #define KEEPCUT_H
 
+#include <stdbool.h>
+
 #include "keepcut_export.h"
 
 KC_EXTERN_C_BEGIN
@@ -80,6 +82,53 @@ KC_EXPORT extern int gMKL_PARDISO_OOC_MAX_CORE_SIZE;
 KC_EXPORT extern int gMKL_PARDISO_OOC_KEEP_FILE;
 
 /* ---- keep/cut compute ---------------------------------------------------- */
+
+/* Mask map byte codes. The lowest bit of a map byte marks a pixel the user
+   painted: its value is kept exactly and never recomputed. Unpainted (even)
+   bytes are alpha estimates the engine recomputes and writes back with the
+   lowest bit cleared. */
+enum {
+    RK_MASK_KEEP = 255,      /* painted foreground: alpha fixed at 255 */
+    RK_MASK_CUT = 1,         /* painted background: alpha fixed at 0 */
+    RK_MASK_PAINTED_BIT = 1, /* set on every painted byte */
+    RK_MASK_BAND_LOW = 6,    /* unpainted 6..249: the band still to compute; */
+    RK_MASK_BAND_HIGH = 249  /* 0..5 count as background, 250..255 as foreground */
+};
+
+/* One keep/cut request, filled and owned by the host (160 bytes on 64-bit
+   builds, mergeMode last). The engine never frees any buffer it points at and
+   keeps no pointer after the call. All maps are row-major, top row first; row
+   bytes may exceed width times pixel size. */
+typedef struct RKPSStructMsk2 {
+    unsigned char* image; /* picture, 4 bytes per pixel (B, G, R, fourth byte) */
+    int imageRowBytes;
+    unsigned char* mask; /* brush map in (codes above), alpha out; 1 byte per pixel */
+    int maskRowBytes;
+    unsigned char* foreground; /* recovered colours out, same layout as image */
+    int foregroundRowBytes;
+    unsigned char* brushInfo; /* scratch map of the picture's size: holds the painted
+                                 map during a call */
+    int brushInfoRowBytes;
+    int width; /* picture size in pixels; all four buffers have it */
+    int height;
+    int roiX; /* region to compute; widened in place for small regions */
+    int roiY;
+    int roiWidth;
+    int roiHeight;
+    int cellMode;            /* 0: whole picture; else a region job merged into the mask */
+    bool recoverForeground;  /* also recover foreground colours into `foreground` */
+    RKProgressProc progProc; /* may be null */
+    void* progData;
+    /* Read only by the selection tools, never by the keep/cut pipeline. */
+    const unsigned char* hairForeColor; /* R, G, B of the picked hair colour */
+    const unsigned char* hairBackColor; /* R, G, B of the picked background colour */
+    void* grabCutBuf;                   /* GrabCut session handle */
+    int gcWidth;
+    int gcHeight;
+    int gcLeft;
+    int gcTop;
+    int mergeMode; /* region jobs: 0 merge by minimum, 1 by maximum, else as computed */
+} RKPSStructMsk2;
 
 /* Box around the work left in a brush map of width x height (1 byte per pixel,
    or 2 when is16Bit is non-zero; step in bytes): every value other than valueA
