@@ -1,0 +1,331 @@
+// Linear filters. Every pass is a multiply-add of one kernel tap over a whole
+// row, so the compiler vectorises it; the Gaussian kernels are integer and are
+// summed exactly (in float, where every partial sum is an exact integer).
+#include "core/ippi_filter.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+
+#include "core/ippi_filter_support.h"
+
+namespace {
+
+using kc::filt::checkPlanes;
+using kc::filt::rowAt;
+using kc::filt::Scratch;
+using kc::filt::SourceRowWindow;
+
+// ---- fixed Gaussian ---------------------------------------------------------
+
+IppStatus gauss3x3(const Ipp8u* src, int srcStep, Ipp8u* dst, int dstStep, IppiSize roi) {
+    const int span = roi.width + 2;
+    SourceRowWindow<Ipp8u> window(src, srcStep, roi.width, 1, 1, 1, 3, false);
+    Scratch<std::uint16_t> column(span);
+    if (!window.ok() || !column.ok()) return ippStsMemAllocErr;
+    std::uint16_t* v = column.get();
+    for (int y = 0; y < roi.height; ++y) {
+        const Ipp8u* const* rows = window.rowsFor(y);
+        const Ipp8u *r0 = rows[0] - 1, *r1 = rows[1] - 1, *r2 = rows[2] - 1;
+        for (int t = 0; t < span; ++t) v[t] = static_cast<std::uint16_t>(r0[t] + 2 * r1[t] + r2[t]);
+        Ipp8u* out = rowAt(dst, dstStep, y);
+        // Weights sum to 16; adding 8 rounds the quotient to nearest (halves up).
+        for (int x = 0; x < roi.width; ++x)
+            out[x] = static_cast<Ipp8u>((v[x] + 2 * v[x + 1] + v[x + 2] + 8) >> 4);
+    }
+    return ippStsNoErr;
+}
+
+IppStatus gauss5x5(const Ipp8u* src, int srcStep, Ipp8u* dst, int dstStep, IppiSize roi) {
+    // The kernel is symmetric both ways: its columns at dx = +-2, +-1 and 0
+    // weigh the rows (dy = +-2, +-1, 0) by these triples; all weights sum to 571.
+    constexpr float kOuter[3] = {2, 7, 12};
+    constexpr float kNear[3] = {7, 31, 52};
+    constexpr float kMid[3] = {12, 52, 127};
+    constexpr float kSum = 571;
+    const int span = roi.width + 4;
+    SourceRowWindow<Ipp8u> window(src, srcStep, roi.width, 2, 2, 2, 5, false);
+    Scratch<float> cols(3 * static_cast<std::size_t>(span));
+    if (!window.ok() || !cols.ok()) return ippStsMemAllocErr;
+    float* a = cols.get();
+    float* b = a + span;
+    float* c = b + span;
+    for (int y = 0; y < roi.height; ++y) {
+        const Ipp8u* const* rows = window.rowsFor(y);
+        const Ipp8u *r0 = rows[0] - 2, *r1 = rows[1] - 2, *r2 = rows[2] - 2, *r3 = rows[3] - 2,
+                    *r4 = rows[4] - 2;
+        for (int t = 0; t < span; ++t) {
+            const float v0 = static_cast<float>(r0[t] + r4[t]);
+            const float v1 = static_cast<float>(r1[t] + r3[t]);
+            const float v2 = static_cast<float>(r2[t]);
+            a[t] = kOuter[0] * v0 + kOuter[1] * v1 + kOuter[2] * v2;
+            b[t] = kNear[0] * v0 + kNear[1] * v1 + kNear[2] * v2;
+            c[t] = kMid[0] * v0 + kMid[1] * v1 + kMid[2] * v2;
+        }
+        Ipp8u* out = rowAt(dst, dstStep, y);
+        for (int x = 0; x < roi.width; ++x) {
+            const float s = a[x] + a[x + 4] + b[x + 1] + b[x + 3] + c[x + 2];
+            // s is an exact integer; the correctly rounded division of s + 285
+            // by the odd 571 never lands on an integer from below, so
+            // truncation gives the nearest integer quotient.
+            out[x] = static_cast<Ipp8u>(static_cast<int>((s + (kSum - 1) / 2) / kSum));
+        }
+    }
+    return ippStsNoErr;
+}
+
+// ---- float convolutions --------------------------------------------------------
+
+// out[e] += k * s[e] over n elements.
+inline void addScaled(float* out, const float* s, float k, int n) {
+    for (int e = 0; e < n; ++e) out[e] += k * s[e];
+}
+
+bool kernelOk(const void* kernel, int size, int anchor) {
+    return kernel && size > 0 && anchor >= 0 && anchor < size;
+}
+
+template <int C>
+IppStatus filterRow(const Ipp32f* src, int srcStep, Ipp32f* dst, int dstStep, IppiSize roi,
+                    const Ipp32f* kernel, int kernelSize, int xAnchor) {
+    const IppStatus st = checkPlanes(src, srcStep, dst, dstStep, roi, C * sizeof(Ipp32f));
+    if (st != ippStsNoErr) return st;
+    if (!kernelOk(kernel, kernelSize, xAnchor)) return kernel ? ippStsBadArgErr : ippStsNullPtrErr;
+    const int n = roi.width * C;
+    for (int y = 0; y < roi.height; ++y) {
+        const Ipp32f* s = rowAt(src, srcStep, y);
+        Ipp32f* out = rowAt(dst, dstStep, y);
+        std::fill_n(out, n, 0.0f);
+        for (int i = 0; i < kernelSize; ++i) addScaled(out, s + (xAnchor - i) * C, kernel[i], n);
+    }
+    return ippStsNoErr;
+}
+
+template <int C>
+IppStatus filterColumn(const Ipp32f* src, int srcStep, Ipp32f* dst, int dstStep, IppiSize roi,
+                       const Ipp32f* kernel, int kernelSize, int yAnchor) {
+    const IppStatus st = checkPlanes(src, srcStep, dst, dstStep, roi, C * sizeof(Ipp32f));
+    if (st != ippStsNoErr) return st;
+    if (!kernelOk(kernel, kernelSize, yAnchor)) return kernel ? ippStsBadArgErr : ippStsNullPtrErr;
+    const int n = roi.width * C;
+    for (int y = 0; y < roi.height; ++y) {
+        Ipp32f* out = rowAt(dst, dstStep, y);
+        std::fill_n(out, n, 0.0f);
+        for (int j = 0; j < kernelSize; ++j)
+            addScaled(out, rowAt(src, srcStep, y + yAnchor - j), kernel[j], n);
+    }
+    return ippStsNoErr;
+}
+
+// ---- pipelines -------------------------------------------------------------------
+
+// Pipeline buffers are carved from the caller's bytes at this alignment.
+constexpr std::size_t kCarveAlign = 16;
+
+template <typename T>
+T* carve(Ipp8u*& cursor, std::size_t count) {
+    auto addr = reinterpret_cast<std::uintptr_t>(cursor);
+    addr = (addr + kCarveAlign - 1) / kCarveAlign * kCarveAlign;
+    cursor = reinterpret_cast<Ipp8u*>(addr + count * sizeof(T));
+    return reinterpret_cast<T*>(addr);
+}
+
+template <typename T>
+std::size_t carvedBytes(std::size_t count) {
+    return count * sizeof(T) + kCarveAlign;
+}
+
+// Sum / divisor rounded half away from zero.
+inline long long divideRounded(long long sum, long long divisor) {
+    const long long q = (std::llabs(sum) + divisor / 2) / divisor;
+    return sum < 0 ? -q : q;
+}
+
+template <typename Acc>
+IppStatus rowPipelineSize(IppiSize roi, int kernelSize, int* size, std::size_t elemBytes) {
+    if (!size) return ippStsNullPtrErr;
+    if (roi.width <= 0 || roi.height <= 0 || kernelSize <= 0) return ippStsSizeErr;
+    const std::size_t ext = static_cast<std::size_t>(roi.width) + kernelSize - 1;
+    const std::size_t bytes = ext * elemBytes + kCarveAlign + carvedBytes<Acc>(roi.width);
+    *size = static_cast<int>(bytes);
+    return ippStsNoErr;
+}
+
+template <typename T, typename Acc, typename Finish>
+IppStatus rowPipeline(const T* src, int srcStep, T** dst, IppiSize roi, const T* kernel,
+                      int kernelSize, int xAnchor, IppiBorderType border, T borderValue,
+                      Ipp8u* buffer, Finish finish) {
+    const IppStatus st = kc::filt::checkPlane(src, srcStep, roi, sizeof(T));
+    if (st != ippStsNoErr) return st;
+    if (!dst || !buffer || !kernel) return ippStsNullPtrErr;
+    if (!kernelOk(kernel, kernelSize, xAnchor)) return ippStsBadArgErr;
+    if (border != ippBorderConst && border != ippBorderRepl) return ippStsBadArgErr;
+    const int lead = kernelSize - 1 - xAnchor;  // pixels needed left of the row
+    const int extLen = roi.width + kernelSize - 1;
+    Ipp8u* cursor = buffer;
+    T* ext = carve<T>(cursor, extLen);
+    Acc* acc = carve<Acc>(cursor, roi.width);
+    for (int y = 0; y < roi.height; ++y) {
+        const T* s = rowAt(src, srcStep, y);
+        if (!dst[y]) return ippStsNullPtrErr;
+        for (int t = 0; t < extLen; ++t) {
+            const int x = t - lead;
+            const bool inside = x >= 0 && x < roi.width;
+            ext[t] = inside                    ? s[x]
+                     : border == ippBorderRepl ? s[std::clamp(x, 0, roi.width - 1)]
+                                               : borderValue;
+        }
+        std::fill_n(acc, roi.width, Acc(0));
+        for (int i = 0; i < kernelSize; ++i) {
+            const Acc k = kernel[i];
+            const T* e = ext + (kernelSize - 1 - i);
+            for (int x = 0; x < roi.width; ++x) acc[x] += k * static_cast<Acc>(e[x]);
+        }
+        for (int x = 0; x < roi.width; ++x) dst[y][x] = finish(acc[x]);
+    }
+    return ippStsNoErr;
+}
+
+template <typename T, typename Acc, typename Finish>
+IppStatus columnPipeline(const T** src, T* dst, int dstStep, IppiSize roi, const T* kernel,
+                         int kernelSize, Ipp8u* buffer, Finish finish) {
+    if (!src || !dst || !kernel || !buffer) return ippStsNullPtrErr;
+    if (roi.width <= 0 || roi.height <= 0 || kernelSize <= 0) return ippStsSizeErr;
+    if (dstStep < static_cast<long long>(roi.width * sizeof(T))) return ippStsStepErr;
+    Ipp8u* cursor = buffer;
+    Acc* acc = carve<Acc>(cursor, roi.width);
+    for (int y = 0; y < roi.height; ++y) {
+        std::fill_n(acc, roi.width, Acc(0));
+        for (int j = 0; j < kernelSize; ++j) {
+            const T* s = src[y + kernelSize - 1 - j];
+            if (!s) return ippStsNullPtrErr;
+            const Acc k = kernel[j];
+            for (int x = 0; x < roi.width; ++x) acc[x] += k * static_cast<Acc>(s[x]);
+        }
+        T* out = rowAt(dst, dstStep, y);
+        for (int x = 0; x < roi.width; ++x) out[x] = finish(acc[x]);
+    }
+    return ippStsNoErr;
+}
+
+IppStatus columnPipelineSize(IppiSize roi, int kernelSize, int* size, std::size_t accBytes) {
+    if (!size) return ippStsNullPtrErr;
+    if (roi.width <= 0 || roi.height <= 0 || kernelSize <= 0) return ippStsSizeErr;
+    *size = static_cast<int>(roi.width * accBytes + kCarveAlign);
+    return ippStsNoErr;
+}
+
+// The 16-bit pipelines: exact 64-bit sums, divided, rounded and saturated.
+auto shortFinisher(int divisor) {
+    return [divisor](long long sum) {
+        return kc::filt::saturateTo<Ipp16s>(divideRounded(sum, divisor));
+    };
+}
+auto floatFinisher() {
+    return [](float sum) { return sum; };
+}
+
+}  // namespace
+
+IppStatus ippiFilterGauss_8u_C1R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep,
+                                 IppiSize roiSize, IppiMaskSize mask) {
+    const IppStatus st = checkPlanes(pSrc, srcStep, pDst, dstStep, roiSize, 1);
+    if (st != ippStsNoErr) return st;
+    if (mask == ippMskSize3x3) return gauss3x3(pSrc, srcStep, pDst, dstStep, roiSize);
+    if (mask == ippMskSize5x5) return gauss5x5(pSrc, srcStep, pDst, dstStep, roiSize);
+    return ippStsBadArgErr;
+}
+
+IppStatus ippiFilter_32f_C1R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep,
+                             IppiSize dstRoiSize, const Ipp32f* pKernel, IppiSize kernelSize,
+                             IppiPoint anchor) {
+    const IppStatus st = checkPlanes(pSrc, srcStep, pDst, dstStep, dstRoiSize, sizeof(Ipp32f));
+    if (st != ippStsNoErr) return st;
+    if (!pKernel) return ippStsNullPtrErr;
+    if (!kernelOk(pKernel, kernelSize.width, anchor.x) ||
+        !kernelOk(pKernel, kernelSize.height, anchor.y))
+        return ippStsBadArgErr;
+    const int w = dstRoiSize.width;
+    for (int y = 0; y < dstRoiSize.height; ++y) {
+        Ipp32f* out = rowAt(pDst, dstStep, y);
+        std::fill_n(out, w, 0.0f);
+        for (int j = 0; j < kernelSize.height; ++j) {
+            const Ipp32f* s = rowAt(pSrc, srcStep, y + anchor.y - j);
+            for (int i = 0; i < kernelSize.width; ++i)
+                addScaled(out, s + anchor.x - i, pKernel[j * kernelSize.width + i], w);
+        }
+    }
+    return ippStsNoErr;
+}
+
+IppStatus ippiFilterRow_32f_C1R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep,
+                                IppiSize dstRoiSize, const Ipp32f* pKernel, int kernelSize,
+                                int xAnchor) {
+    return filterRow<1>(pSrc, srcStep, pDst, dstStep, dstRoiSize, pKernel, kernelSize, xAnchor);
+}
+IppStatus ippiFilterRow_32f_C3R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep,
+                                IppiSize dstRoiSize, const Ipp32f* pKernel, int kernelSize,
+                                int xAnchor) {
+    return filterRow<3>(pSrc, srcStep, pDst, dstStep, dstRoiSize, pKernel, kernelSize, xAnchor);
+}
+IppStatus ippiFilterColumn_32f_C1R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep,
+                                   IppiSize dstRoiSize, const Ipp32f* pKernel, int kernelSize,
+                                   int yAnchor) {
+    return filterColumn<1>(pSrc, srcStep, pDst, dstStep, dstRoiSize, pKernel, kernelSize, yAnchor);
+}
+IppStatus ippiFilterColumn_32f_C3R(const Ipp32f* pSrc, int srcStep, Ipp32f* pDst, int dstStep,
+                                   IppiSize dstRoiSize, const Ipp32f* pKernel, int kernelSize,
+                                   int yAnchor) {
+    return filterColumn<3>(pSrc, srcStep, pDst, dstStep, dstRoiSize, pKernel, kernelSize, yAnchor);
+}
+
+IppStatus ippiFilterRowBorderPipelineGetBufferSize_16s_C1R(IppiSize roiSize, int kernelSize,
+                                                           int* pBufferSize) {
+    return rowPipelineSize<long long>(roiSize, kernelSize, pBufferSize, sizeof(Ipp16s));
+}
+IppStatus ippiFilterRowBorderPipelineGetBufferSize_32f_C1R(IppiSize roiSize, int kernelSize,
+                                                           int* pBufferSize) {
+    return rowPipelineSize<float>(roiSize, kernelSize, pBufferSize, sizeof(Ipp32f));
+}
+
+IppStatus ippiFilterRowBorderPipeline_16s_C1R(const Ipp16s* pSrc, int srcStep, Ipp16s** ppDst,
+                                              IppiSize roiSize, const Ipp16s* pKernel,
+                                              int kernelSize, int xAnchor,
+                                              IppiBorderType borderType, Ipp16s borderValue,
+                                              int divisor, Ipp8u* pBuffer) {
+    if (divisor <= 0) return ippStsBadArgErr;
+    return rowPipeline<Ipp16s, long long>(pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize,
+                                          xAnchor, borderType, borderValue, pBuffer,
+                                          shortFinisher(divisor));
+}
+IppStatus ippiFilterRowBorderPipeline_32f_C1R(const Ipp32f* pSrc, int srcStep, Ipp32f** ppDst,
+                                              IppiSize roiSize, const Ipp32f* pKernel,
+                                              int kernelSize, int xAnchor,
+                                              IppiBorderType borderType, Ipp32f borderValue,
+                                              Ipp8u* pBuffer) {
+    return rowPipeline<Ipp32f, float>(pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor,
+                                      borderType, borderValue, pBuffer, floatFinisher());
+}
+
+IppStatus ippiFilterColumnPipelineGetBufferSize_16s_C1R(IppiSize roiSize, int kernelSize,
+                                                        int* pBufferSize) {
+    return columnPipelineSize(roiSize, kernelSize, pBufferSize, sizeof(long long));
+}
+IppStatus ippiFilterColumnPipelineGetBufferSize_32f_C1R(IppiSize roiSize, int kernelSize,
+                                                        int* pBufferSize) {
+    return columnPipelineSize(roiSize, kernelSize, pBufferSize, sizeof(float));
+}
+
+IppStatus ippiFilterColumnPipeline_16s_C1R(const Ipp16s** ppSrc, Ipp16s* pDst, int dstStep,
+                                           IppiSize dstRoiSize, const Ipp16s* pKernel,
+                                           int kernelSize, int divisor, Ipp8u* pBuffer) {
+    if (divisor <= 0) return ippStsBadArgErr;
+    return columnPipeline<Ipp16s, long long>(ppSrc, pDst, dstStep, dstRoiSize, pKernel, kernelSize,
+                                             pBuffer, shortFinisher(divisor));
+}
+IppStatus ippiFilterColumnPipeline_32f_C1R(const Ipp32f** ppSrc, Ipp32f* pDst, int dstStep,
+                                           IppiSize dstRoiSize, const Ipp32f* pKernel,
+                                           int kernelSize, Ipp8u* pBuffer) {
+    return columnPipeline<Ipp32f, float>(ppSrc, pDst, dstStep, dstRoiSize, pKernel, kernelSize,
+                                         pBuffer, floatFinisher());
+}
