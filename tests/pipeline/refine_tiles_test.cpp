@@ -22,8 +22,12 @@ void checkLayout(int W, int H, int side) {
     ASSERT_GE(t.tileH, 1);
     ASSERT_LE(t.tileW, W);
     ASSERT_LE(t.tileH, H);
-    if (W <= side) EXPECT_EQ(t.tileW, W);
-    if (H <= side) EXPECT_EQ(t.tileH, H);
+    if (W <= side) {
+        EXPECT_EQ(t.tileW, W);
+    }
+    if (H <= side) {
+        EXPECT_EQ(t.tileH, H);
+    }
 
     std::vector<int> covered(static_cast<size_t>(W) * H, 0);
     int rightEdgeTiles = 0, bottomEdgeTiles = 0;

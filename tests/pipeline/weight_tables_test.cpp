@@ -18,7 +18,9 @@ TEST(WeightTables, QuadrantIsSymmetricAndFallsOff) {
     for (int i = 0; i < kQ; ++i)
         for (int j = 0; j < kQ; ++j) {
             EXPECT_EQ(gaussianTable[i * kQ + j], gaussianTable[j * kQ + i]) << i << "," << j;
-            if (j + 1 < kQ) EXPECT_GT(gaussianTable[i * kQ + j], gaussianTable[i * kQ + j + 1]);
+            if (j + 1 < kQ) {
+                EXPECT_GT(gaussianTable[i * kQ + j], gaussianTable[i * kQ + j + 1]);
+            }
         }
 }
 
@@ -38,8 +40,11 @@ TEST(WeightTables, BlurWindowIsSymmetricWithZeroFrame) {
             EXPECT_EQ(blur(r, c), blur(kB - 1 - r, c)) << r << "," << c;
             EXPECT_EQ(blur(r, c), blur(r, kB - 1 - c)) << r << "," << c;
             const bool frame = r == 0 || r == kB - 1 || c < 2 || c > kB - 3;
-            if (frame) EXPECT_EQ(blur(r, c), 0.0f) << r << "," << c;
-            if (!frame) EXPECT_GT(blur(r, c), 0.0f) << r << "," << c;
+            if (frame) {
+                EXPECT_EQ(blur(r, c), 0.0f) << r << "," << c;
+            } else {
+                EXPECT_GT(blur(r, c), 0.0f) << r << "," << c;
+            }
         }
     EXPECT_EQ(blur(kCentre, kCentre), 1.0f);
 }
