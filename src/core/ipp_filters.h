@@ -2,6 +2,9 @@
 // linear filters, medians, the bilateral filter, resampling and flood fill.
 #pragma once
 
+#include "core/ippi_bilateral.h"
 #include "core/ippi_filter.h"
+#include "core/ippi_floodfill.h"
 #include "core/ippi_median.h"
 #include "core/ippi_morph.h"
+#include "core/ippi_resize.h"

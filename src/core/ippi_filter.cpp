@@ -36,35 +36,44 @@ IppStatus gauss3x3(const Ipp8u* src, int srcStep, Ipp8u* dst, int dstStep, IppiS
     return ippStsNoErr;
 }
 
+// Column pass of the 5x5 Gaussian: per column, the three row-weighted sums the
+// kernel's outer (dx = +-2), near (dx = +-1) and middle columns need.
+// Separate restrict parameters: byte pointers could otherwise alias anything.
+void gauss5Columns(const Ipp8u* __restrict r0, const Ipp8u* __restrict r1,
+                   const Ipp8u* __restrict r2, const Ipp8u* __restrict r3,
+                   const Ipp8u* __restrict r4, std::int32_t* __restrict outer,
+                   std::int32_t* __restrict near, std::int32_t* __restrict mid, int span) {
+    // The kernel's rows (dy = +-2, +-1, 0) weigh a column by these triples.
+    constexpr int kOuter[3] = {2, 7, 12};
+    constexpr int kNear[3] = {7, 31, 52};
+    constexpr int kMid[3] = {12, 52, 127};
+    for (int t = 0; t < span; ++t) {
+        const std::int32_t v0 = r0[t] + r4[t];
+        const std::int32_t v1 = r1[t] + r3[t];
+        const std::int32_t v2 = r2[t];
+        outer[t] = kOuter[0] * v0 + kOuter[1] * v1 + kOuter[2] * v2;
+        near[t] = kNear[0] * v0 + kNear[1] * v1 + kNear[2] * v2;
+        mid[t] = kMid[0] * v0 + kMid[1] * v1 + kMid[2] * v2;
+    }
+}
+
 IppStatus gauss5x5(const Ipp8u* src, int srcStep, Ipp8u* dst, int dstStep, IppiSize roi) {
-    // The kernel is symmetric both ways: its columns at dx = +-2, +-1 and 0
-    // weigh the rows (dy = +-2, +-1, 0) by these triples; all weights sum to 571.
-    constexpr float kOuter[3] = {2, 7, 12};
-    constexpr float kNear[3] = {7, 31, 52};
-    constexpr float kMid[3] = {12, 52, 127};
+    // The kernel is symmetric both ways and its weights sum to 571.
     constexpr float kSum = 571;
     const int span = roi.width + 4;
     SourceRowWindow<Ipp8u> window(src, srcStep, roi.width, 2, 2, 2, 5, false);
-    Scratch<float> cols(3 * static_cast<std::size_t>(span));
+    Scratch<std::int32_t> cols(3 * static_cast<std::size_t>(span));
     if (!window.ok() || !cols.ok()) return ippStsMemAllocErr;
-    float* a = cols.get();
-    float* b = a + span;
-    float* c = b + span;
+    const std::int32_t* a = cols.get();
+    const std::int32_t* b = a + span;
+    const std::int32_t* c = b + span;
     for (int y = 0; y < roi.height; ++y) {
-        const Ipp8u* const* rows = window.rowsFor(y);
-        const Ipp8u *r0 = rows[0] - 2, *r1 = rows[1] - 2, *r2 = rows[2] - 2, *r3 = rows[3] - 2,
-                    *r4 = rows[4] - 2;
-        for (int t = 0; t < span; ++t) {
-            const float v0 = static_cast<float>(r0[t] + r4[t]);
-            const float v1 = static_cast<float>(r1[t] + r3[t]);
-            const float v2 = static_cast<float>(r2[t]);
-            a[t] = kOuter[0] * v0 + kOuter[1] * v1 + kOuter[2] * v2;
-            b[t] = kNear[0] * v0 + kNear[1] * v1 + kNear[2] * v2;
-            c[t] = kMid[0] * v0 + kMid[1] * v1 + kMid[2] * v2;
-        }
+        const Ipp8u* const* r = window.rowsFor(y);
+        gauss5Columns(r[0] - 2, r[1] - 2, r[2] - 2, r[3] - 2, r[4] - 2, cols.get(),
+                      cols.get() + span, cols.get() + 2 * span, span);
         Ipp8u* out = rowAt(dst, dstStep, y);
         for (int x = 0; x < roi.width; ++x) {
-            const float s = a[x] + a[x + 4] + b[x + 1] + b[x + 3] + c[x + 2];
+            const float s = static_cast<float>(a[x] + a[x + 4] + b[x + 1] + b[x + 3] + c[x + 2]);
             // s is an exact integer; the correctly rounded division of s + 285
             // by the odd 571 never lands on an integer from below, so
             // truncation gives the nearest integer quotient.

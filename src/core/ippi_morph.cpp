@@ -59,15 +59,19 @@ IppStatus rectExtreme(const T* src, int srcStep, T* dst, int dstStep, IppiSize r
     T* v = column.get();
     for (int y = 0; y < roi.height; ++y) {
         const T* const* rows = window.rowsFor(y);
+        // Column pass: the first two rows combine in one sweep (no plain copy).
         const T* r0 = rows[0] - left;
-        std::copy(r0, r0 + span, v);
-        for (int j = 1; j < mask.height; ++j) {
+        const T* r1 = rows[mask.height > 1 ? 1 : 0] - left;
+        for (int t = 0; t < span; ++t) v[t] = Op::apply(r0[t], r1[t]);
+        for (int j = 2; j < mask.height; ++j) {
             const T* r = rows[j] - left;
             for (int t = 0; t < span; ++t) v[t] = Op::apply(v[t], r[t]);
         }
+        // Row pass over the shifts, likewise starting with two at once.
         T* out = rowAt(dst, dstStep, y);
-        std::copy(v, v + roi.width, out);
-        for (int i = 1; i < mask.width; ++i) {
+        const T* v1 = v + (mask.width > 1 ? 1 : 0);
+        for (int x = 0; x < roi.width; ++x) out[x] = Op::apply(v[x], v1[x]);
+        for (int i = 2; i < mask.width; ++i) {
             const T* shifted = v + i;
             for (int x = 0; x < roi.width; ++x) out[x] = Op::apply(out[x], shifted[x]);
         }
