@@ -54,9 +54,9 @@ void CFMatt::SharpenAlpha(GIMG<unsigned char>& alpha) {
     GIMG<unsigned char> below(w, h);
     GIMG<unsigned char>& above = lo;
     subSat(blur, alpha, below, st);
-    mulShift(below, gain, kGainShift, below, st);
+    mulInto(gain, kGainShift, below, st);
     subSat(alpha, blur, above, st);
-    mulShift(above, gain, kGainShift, above, st);
-    addSat(blur, above, blur, st);
+    mulInto(gain, kGainShift, above, st);
+    addInto(above, blur, st);
     subSat(blur, below, alpha, st);
 }

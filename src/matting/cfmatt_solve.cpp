@@ -202,8 +202,8 @@ int CFMatt::alphaMain(int width, int height, int nnz, GIMG<unsigned char>& weigh
     mergedCount_ = 0;
 
     for (int v = 0; v < n; ++v) {
-        // NaN fails both tests and would survive; it cannot arise from a
-        // solver that returned, but is kept out of the byte conversion anyway.
+        // Clamped to 0..255; a NaN (which a solver that returned cannot give)
+        // would fail both tests and become 0.
         const float s = solution[v] * static_cast<float>(kByteMax);
         solution[v] = s > kByteMax ? static_cast<float>(kByteMax) : (s >= 0.0f ? s : 0.0f);
     }

@@ -8,6 +8,7 @@ struct DirectSolveTimes {
     double factorise = 0.0;          // seconds, over both rounds when perturbed
     double solve = 0.0;              // seconds
     double factorNonzeros = 0.0;     // entries of the triangular factor
+    double factorFlops = 0.0;        // floating-point operations of the factorisation
     bool perturbed = false;          // the diagonal had to be shifted
     bool givenOrderingUsed = false;  // the caller's ordering beat minimum degree
 };
@@ -16,6 +17,7 @@ const DirectSolveTimes& lastDirectSolveTimes();
 
 enum class DirectOrdering {
     GivenOrMinDegree,  // the caller's ordering if any, competing with AMD (the default)
+    GivenOnly,         // the caller's ordering alone
     MinDegree,         // AMD only, the caller's ordering ignored
     LibraryDefault     // the library's own strategy (AMD, then graph partitioning)
 };

@@ -1,133 +1,79 @@
-// Byte-map operations of the matting object, on OpenCV views of the maps'
-// regions of interest. OpenCV's saturating arithmetic rounds half to even and
-// clamps to 0..255, which is what these operations promise.
+// Byte-map steps of the matting object on the engine's image primitives.
 #include "matting/matting_map_ops.h"
 
-#include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
+#include "core/borders.h"
+#include "core/img_filter_ops.h"
+#include "core/img_ops.h"
 
-namespace {
-cv::Mat view(GIMG<unsigned char>& m) {
-    return cv::Mat(m.height(), m.width(), CV_8UC1, m.ptr(), static_cast<size_t>(m.step));
-}
-// The region's surroundings as they are in the block: neighbours outside the
-// region are real pixels, not a synthesised border.
-constexpr int kInsideBlock = cv::BORDER_REPLICATE;
-const cv::Mat kBox3 = cv::Mat::ones(3, 3, CV_8U);
-}  // namespace
+using Byte = unsigned char;
 
-double sumOfMap(GIMG<unsigned char>& map, int& status) {
-    status = 0;
-    return cv::sum(view(map))[0];
+double sumOfMap(GIMG<Byte>& map, int& status) {
+    double s = 0.0;
+    status = Sum(map, &s);
+    return s;
 }
 
-void copyMap(GIMG<unsigned char>& src, GIMG<unsigned char>& dst, int& status) {
-    status = 0;
-    cv::Mat d = view(dst);
-    view(src).copyTo(d);
+void copyMap(GIMG<Byte>& src, GIMG<Byte>& dst, int& status) {
+    status = Copy(src, dst);
 }
 
-void subConstSat(GIMG<unsigned char>& map, int v, int& status) {
-    status = 0;
-    cv::Mat m = view(map);
-    cv::subtract(m, cv::Scalar(v), m);
+void subConstSat(GIMG<Byte>& map, int v, int& status) {
+    status = Sub<Byte>(static_cast<Byte>(v), map, 0);
 }
 
-void mulConstShift(GIMG<unsigned char>& map, int k, int shift, int& status) {
-    status = 0;
-    cv::Mat m = view(map);
-    m.convertTo(m, CV_8U, static_cast<double>(k) / (1 << shift));
+void mulConstShift(GIMG<Byte>& map, int k, int shift, int& status) {
+    status = Mul<Byte>(static_cast<Byte>(k), map, shift);
 }
 
-void thresholdMask(GIMG<unsigned char>& src, int v, bool lessOrEqual, GIMG<unsigned char>& dst,
-                   int& status) {
-    status = 0;
-    cv::Mat d = view(dst);
-    cv::compare(view(src), cv::Scalar(v), d, lessOrEqual ? cv::CMP_LE : cv::CMP_GE);
+void thresholdMask(GIMG<Byte>& src, int v, bool lessOrEqual, GIMG<Byte>& dst, int& status) {
+    status = Compare(src, v, dst, lessOrEqual ? ippCmpLessEq : ippCmpGreaterEq);
 }
 
-void orMaps(GIMG<unsigned char>& src, GIMG<unsigned char>& dst, int& status) {
-    status = 0;
-    cv::Mat d = view(dst);
-    cv::bitwise_or(view(src), d, d);
+void orMaps(GIMG<Byte>& src, GIMG<Byte>& dst, int& status) {
+    status = Or(src, dst);
 }
 
-void erode3x3Replicated(GIMG<unsigned char>& map, int& status) {
-    status = 0;
-    cv::Mat m = view(map);
-    cv::erode(m, m, kBox3, cv::Point(-1, -1), 1, cv::BORDER_REPLICATE);
+void erode3x3Replicated(GIMG<Byte>& map, int& status) {
+    // A copy with a one-pixel replicated frame, eroded back into the map.
+    GIMG<Byte> framed(map.width() + 2, map.height() + 2);
+    framed.roiRect(1, 1, -1, -1);
+    status = Copy(map, framed);
+    framed.restoreRect();
+    imageExtendBorder(framed, 1, 1, 1, 1);
+    framed.roiRect(1, 1, -1, -1);
+    status = Erode3x3(framed, map);
 }
 
-namespace {
-// A region view that may read one or two pixels beyond its edges.
-cv::Mat regionWithSurroundings(GIMG<unsigned char>& m, int margin, cv::Rect& inner) {
-    m.border(-margin, -margin);
-    m.roiSize.resize(margin, margin);
-    cv::Mat wide = view(m);
-    m.border(margin, margin);
-    m.roiSize.resize(-margin, -margin);
-    inner = cv::Rect(margin, margin, m.width(), m.height());
-    return wide;
-}
-}  // namespace
-
-void erode3x3Into(GIMG<unsigned char>& src, GIMG<unsigned char>& dst, int& status) {
-    status = 0;
-    cv::Rect inner;
-    cv::Mat wide = regionWithSurroundings(src, 1, inner);
-    cv::Mat out;
-    cv::erode(wide, out, kBox3, cv::Point(-1, -1), 1, kInsideBlock);
-    cv::Mat d = view(dst);
-    out(inner).copyTo(d);
+void erode3x3Into(GIMG<Byte>& src, GIMG<Byte>& dst, int& status) {
+    status = Erode3x3(src, dst);
 }
 
-void dilate3x3Into(GIMG<unsigned char>& src, GIMG<unsigned char>& dst, int& status) {
-    status = 0;
-    cv::Rect inner;
-    cv::Mat wide = regionWithSurroundings(src, 1, inner);
-    cv::Mat out;
-    cv::dilate(wide, out, kBox3, cv::Point(-1, -1), 1, kInsideBlock);
-    cv::Mat d = view(dst);
-    out(inner).copyTo(d);
+void dilate3x3Into(GIMG<Byte>& src, GIMG<Byte>& dst, int& status) {
+    status = Dilate3x3(src, dst);
 }
 
-void gauss5x5Into(GIMG<unsigned char>& src, GIMG<unsigned char>& dst, int& status) {
-    status = 0;
-    cv::Rect inner;
-    cv::Mat wide = regionWithSurroundings(src, 2, inner);
-    cv::Mat out;
-    cv::GaussianBlur(wide, out, cv::Size(5, 5), 0, 0, kInsideBlock);
-    cv::Mat d = view(dst);
-    out(inner).copyTo(d);
+void gauss5x5Into(GIMG<Byte>& src, GIMG<Byte>& dst, int& status) {
+    status = FilterGauss(src, dst, ippMskSize5x5);
 }
 
-void subSat(GIMG<unsigned char>& a, GIMG<unsigned char>& b, GIMG<unsigned char>& dst, int& status) {
-    status = 0;
-    cv::Mat d = view(dst);
-    cv::subtract(view(a), view(b), d);
+void subSat(GIMG<Byte>& a, GIMG<Byte>& b, GIMG<Byte>& dst, int& status) {
+    status = Sub(b, a, dst, 0);  // the primitive computes its second source minus its first
 }
 
-void addSat(GIMG<unsigned char>& a, GIMG<unsigned char>& b, GIMG<unsigned char>& dst, int& status) {
-    status = 0;
-    cv::Mat d = view(dst);
-    cv::add(view(a), view(b), d);
+void addInto(GIMG<Byte>& src, GIMG<Byte>& dst, int& status) {
+    status = Add(src, dst, 0);
 }
 
-void mulShift(GIMG<unsigned char>& a, GIMG<unsigned char>& b, int shift, GIMG<unsigned char>& dst,
-              int& status) {
-    status = 0;
-    cv::Mat d = view(dst);
-    cv::multiply(view(a), view(b), d, 1.0 / (1 << shift));
+void mulInto(GIMG<Byte>& src, int shift, GIMG<Byte>& dst, int& status) {
+    status = Mul(src, dst, shift);
 }
 
-void addConstSat(GIMG<unsigned char>& map, int v, int& status) {
-    status = 0;
-    cv::Mat m = view(map);
-    cv::add(m, cv::Scalar(v), m);
+void addConstSat(GIMG<Byte>& map, int v, int& status) {
+    status = Add<Byte>(static_cast<Byte>(v), map, 0);
 }
 
-void complementMap(GIMG<unsigned char>& map, int& status) {
-    status = 0;
-    cv::Mat m = view(map);
-    cv::bitwise_not(m, m);
+void complementMap(GIMG<Byte>& map, int& status) {
+    GIMG<Byte> full(map.width(), map.height());
+    Set<Byte>(255, full);
+    status = Sub(map, full, map, 0);
 }

@@ -1,7 +1,6 @@
-// Byte-map operations the matting object needs (sums, copies, thresholds,
-// erosion, saturating arithmetic with a scale shift), on the regions of
-// interest of GIMG<unsigned char> maps. Every call leaves its status in
-// `status` (0 on success), as the primitives do.
+// Byte-map steps of the matting object, each one image primitive (or a short
+// sequence of them) on the maps' regions of interest. Every call leaves the
+// primitive's status in `status`, which the object keeps but never tests.
 #pragma once
 
 #include "core/img.h"
@@ -17,19 +16,20 @@ void thresholdMask(GIMG<unsigned char>& src, int v, bool lessOrEqual, GIMG<unsig
                    int& status);
 // dst |= src.
 void orMaps(GIMG<unsigned char>& src, GIMG<unsigned char>& dst, int& status);
-// 3x3 minimum in place, the block's edge pixels replicated outwards.
+// 3x3 minimum in place, the map's edge pixels replicated outwards.
 void erode3x3Replicated(GIMG<unsigned char>& map, int& status);
 // 3x3 minimum / maximum and 5x5 Gaussian of src's region into dst's region,
 // reading the pixels around the region (the caller leaves room for them).
 void erode3x3Into(GIMG<unsigned char>& src, GIMG<unsigned char>& dst, int& status);
 void dilate3x3Into(GIMG<unsigned char>& src, GIMG<unsigned char>& dst, int& status);
 void gauss5x5Into(GIMG<unsigned char>& src, GIMG<unsigned char>& dst, int& status);
-// dst = max(a - b, 0); dst = min(a + b, 255); dst = round(a * b / 2^shift) saturated.
+// dst = max(a - b, 0).
 void subSat(GIMG<unsigned char>& a, GIMG<unsigned char>& b, GIMG<unsigned char>& dst, int& status);
-void addSat(GIMG<unsigned char>& a, GIMG<unsigned char>& b, GIMG<unsigned char>& dst, int& status);
-void mulShift(GIMG<unsigned char>& a, GIMG<unsigned char>& b, int shift, GIMG<unsigned char>& dst,
-              int& status);
-// map = 255 - map.
-void complementMap(GIMG<unsigned char>& map, int& status);
+// dst = min(dst + src, 255).
+void addInto(GIMG<unsigned char>& src, GIMG<unsigned char>& dst, int& status);
+// dst = round(dst * src / 2^shift), at most 255.
+void mulInto(GIMG<unsigned char>& src, int shift, GIMG<unsigned char>& dst, int& status);
 // map = min(map + v, 255).
 void addConstSat(GIMG<unsigned char>& map, int v, int& status);
+// map = 255 - map.
+void complementMap(GIMG<unsigned char>& map, int& status);
