@@ -1,11 +1,27 @@
-// Cubic resampling of byte planes through OpenCV (saturating fixed-point
-// arithmetic for 8-bit data).
+// Cubic resampling of byte planes through the engine's square-pixel resize
+// primitive, with its work buffer from the aligned allocator.
 #include "pyramid/cubic_resize.h"
 
-#include <opencv2/imgproc.hpp>
+#include <memory>
+
+#include "core/aligned_alloc.h"
+#include "core/ippi_resize.h"
+
+namespace {
+struct VectorFree {
+    void operator()(Ipp8u* p) const { ippsFree(p); }
+};
+}  // namespace
 
 void resizeCubic(const GIMG<unsigned char>& src, GIMG<unsigned char>& dst) {
-    const cv::Mat in(src.height(), src.width(), CV_8UC1, src.ptr(), static_cast<size_t>(src.step));
-    cv::Mat out(dst.height(), dst.width(), CV_8UC1, dst.ptr(), static_cast<size_t>(dst.step));
-    cv::resize(in, out, out.size(), 0, 0, cv::INTER_CUBIC);
+    const IppiRect srcRect{0, 0, src.width(), src.height()};
+    const IppiRect dstRect{0, 0, dst.width(), dst.height()};
+    int bytes = 0;
+    if (ippiResizeGetBufSize(srcRect, dstRect, 1, IPPI_INTER_CUBIC, &bytes) != ippStsNoErr) return;
+    std::unique_ptr<Ipp8u, VectorFree> work(ippsMalloc_8u(bytes > 0 ? bytes : 1));
+    if (!work) throw kErrOutOfMemory;
+    dst.status = ippiResizeSqrPixel_8u_C1R(
+        src.ptr(), src.roiSize, src.step, srcRect, dst.ptr(), dst.step, dstRect,
+        static_cast<double>(dst.width()) / src.width(),
+        static_cast<double>(dst.height()) / src.height(), 0.0, 0.0, IPPI_INTER_CUBIC, work.get());
 }

@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
+#include "core/half_image.h"
 #include "pyramid/cubic_resize.h"
-#include "pyramid/half_scatter.h"
 
 namespace {
 
@@ -48,7 +48,7 @@ int CDnsampleRK2X(GIMG<T>& src, GIMG<T>& dst, bool smooth) {
     if (smooth)
         smoothDecimate(src, dst, w, h);
     else
-        gatherHalf(src, dst, 0, 0, w, h);
+        getHalfImage(src, 0, 0, dst);
     return 1;
 }
 

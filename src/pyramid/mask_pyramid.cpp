@@ -1,10 +1,8 @@
 // Building, releasing and upsampling the mask pyramid.
 #include "pyramid/mask_pyramid.h"
 
-#include <algorithm>
-
+#include "core/borders.h"
 #include "pyramid/downsample_2x.h"
-#include "pyramid/half_scatter.h"
 #include "pyramid/upsample_2x.h"
 
 namespace {
@@ -15,32 +13,22 @@ constexpr float kPyramidGuideParam = 9.0f;
 
 using Plane = GIMG<unsigned char>;
 
-// Repeats the next-to-last column and row into the last ones when the source
-// side was odd: the decimation stops at floor(size / 2) and leaves them.
-void repeatEdgeIfOdd(Plane& img, bool oddWidth, bool oddHeight) {
-    const int w = img.width();
-    const int h = img.height();
-    if (oddHeight && h >= 2) {
-        const unsigned char* from = imgPtr(img, 0, h - 2);
-        std::copy(from, from + w, imgPtr(img, 0, h - 1));
-    }
-    if (oddWidth && w >= 2)
-        for (int y = 0; y < h; ++y) imgPtr(img, 0, y)[w - 1] = imgPtr(img, 0, y)[w - 2];
-}
-
-// The next level of one plane, of size ceil(src / 2) in each direction.
+// The next level of one plane, of size ceil(src / 2) in each direction. The
+// decimation stops at floor(src / 2); when a side is odd, the last column or
+// row repeats its neighbour.
 std::unique_ptr<Plane> halveLevel(Plane& src, bool smooth) {
     const int w = src.width();
     const int h = src.height();
     auto out = std::make_unique<Plane>((w + 1) / 2, (h + 1) / 2);
     if (w < 2 || h < 2) {
-        // A one-pixel side has no pair to decimate; nothing can be blurred
-        // either (all pixels are frame), so plain decimation is exact.
-        gatherHalf(src, *out, 0, 0, out->width(), out->height());
+        // A one-pixel side has no pair to decimate and nothing to repeat from;
+        // there is no interior to blur either, so plain decimation is exact.
+        for (int y = 0; y < out->height(); ++y)
+            for (int x = 0; x < out->width(); ++x) *imgPtr(*out, x, y) = *imgPtr(src, 2 * x, 2 * y);
         return out;
     }
     CDnsampleRK2X(src, *out, smooth);
-    repeatEdgeIfOdd(*out, w % 2 != 0, h % 2 != 0);
+    imageExtendBorder(*out, 0, 0, w % 2, h % 2);
     return out;
 }
 

@@ -15,8 +15,8 @@
 #include <limits>
 #include <vector>
 
+#include "core/half_image.h"
 #include "pyramid/guide_weights.h"
-#include "pyramid/half_scatter.h"
 
 namespace {
 
@@ -71,6 +71,23 @@ T fromMean(float v) {
         constexpr float lo = static_cast<float>(std::numeric_limits<T>::min());
         constexpr float hi = static_cast<float>(std::numeric_limits<T>::max());
         return static_cast<T>(std::lrintf(std::clamp(v, lo, hi)));
+    }
+}
+
+// Coarse values onto the even/even fine pixels. The shared half-image helpers
+// cover the element types the engine splits into phases; signed 16-bit planes
+// are scattered here.
+template <typename T>
+void scatterCoarse(GIMG<T>& src, GIMG<T>& dst) {
+    if constexpr (kc::half::HalfImageElement<T>) {
+        putHalfImage(src, dst, 0, 0);
+    } else {
+        const IPSize n = kc::half::halfExtent(dst, src);
+        for (int r = 0; r < n.height; ++r) {
+            const T* from = imgPtr(src, 0, r);
+            T* to = imgPtr(dst, 0, 2 * r);
+            for (int c = 0; c < n.width; ++c) to[2 * c] = from[c];
+        }
     }
 }
 
@@ -170,7 +187,7 @@ int CUpSampleRK2X(GIMG<T>** src, GIMG<T>** dst, int n, GIMG<T>** guide, int nGui
         if (!guide[c] || guide[c]->width() < 2 * job.cw || guide[c]->height() < 2 * job.ch)
             return 0;
 
-    for (int c = 0; c < n; ++c) scatterHalf(*src[c], *dst[c], 0, 0, job.cw, job.ch);
+    for (int c = 0; c < n; ++c) scatterCoarse(*src[c], *dst[c]);
     const MetricFor<T> metric(p);
     // The odd/odd pass comes first: the other two read its results.
     guidedPhase<T>(metric, kOddOdd, dst, guide, job);
