@@ -19,26 +19,12 @@
 
 #include "core/ippi_resize.h"
 #include "pyramid/linear_coeff_upsample.h"
+#include "support/peak_memory.h"
 
 namespace {
 
 constexpr int kFullW = 4000, kFullH = 3000;
 constexpr int kReducedW = 501, kReducedH = 375;
-
-long statusKb(const char* key) {
-    std::ifstream in("/proc/self/status");
-    std::string line;
-    const std::string k = std::string(key) + ":";
-    while (std::getline(in, line))
-        if (line.rfind(k, 0) == 0) return std::stol(line.substr(k.size()));
-    return -1;
-}
-
-// Resets the high-water mark and returns the resident size it starts from, in kB.
-long startPeakWatch() {
-    std::ofstream("/proc/self/clear_refs") << "5";
-    return statusKb("VmRSS");
-}
 
 struct Inputs {
     cv::Mat full, reduced, reducedAlpha, fullAlpha;
@@ -130,14 +116,15 @@ template <void (*Job)(Inputs&)>
 void runMeasured(benchmark::State& state, Figures& fig) {
     Inputs& in = inputs();
     for (auto _ : state) {
-        const long rss0 = startPeakWatch();
+        resetPeakMemory();
+        const double rss0 = residentMB();
         const auto t0 = std::chrono::steady_clock::now();
         const double c0 = cpuSeconds();
         Job(in);
         fig.cpu += cpuSeconds() - c0;
         const double s =
             std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-        const double peakMb = (statusKb("VmHWM") - rss0) / 1024.0;
+        const double peakMb = peakMB() - rss0;
         state.SetIterationTime(s);
         fig.seconds += s;
         ++fig.runs;

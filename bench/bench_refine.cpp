@@ -19,6 +19,7 @@
 #include "matting/cfmatt.h"
 #include "pipeline/alpha_refine.h"
 #include "pipeline/refine_tiles.h"
+#include "support/peak_memory.h"
 #include "synthetic_sample.h"
 
 namespace {
@@ -27,23 +28,6 @@ namespace {
 constexpr int kWidth = 2000;
 constexpr int kHeight = 1500;
 constexpr unsigned char kTrimapUnknown = 128;
-constexpr double kBytesPerMB = 1024.0 * 1024.0;
-
-// A field of /proc/self/status in kB, or -1.
-long statusKB(const char* field) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    const size_t n = std::strlen(field);
-    while (std::getline(status, line))
-        if (line.compare(0, n, field) == 0) return std::stol(line.substr(n + 1));
-    return -1;
-}
-
-// Restarts the high-water mark at the current resident size.
-void resetPeak() {
-    std::ofstream clear("/proc/self/clear_refs");
-    clear << "5";
-}
 
 struct Problem {
     cv::Mat red, green, blue, known, alpha0, alpha;
@@ -74,14 +58,14 @@ void measured(benchmark::State& state, Run run) {
     for (auto _ : state) {
         state.PauseTiming();
         p.alpha = p.alpha0.clone();
-        const long startKB = statusKB("VmRSS:");
-        resetPeak();
+        const double startMB = residentMB();
+        resetPeakMemory();
         state.ResumeTiming();
         run(p);
         state.PauseTiming();
-        const long peakKB = statusKB("VmHWM:");
-        peakMB = std::max(peakMB, peakKB * 1024.0 / kBytesPerMB);
-        overMB = std::max(overMB, (peakKB - startKB) * 1024.0 / kBytesPerMB);
+        const double peak = ::peakMB();
+        peakMB = std::max(peakMB, peak);
+        overMB = std::max(overMB, peak - startMB);
         state.ResumeTiming();
     }
     state.counters["peak_MB"] = peakMB;

@@ -2,10 +2,9 @@
 #include "image_io.h"
 
 #include <filesystem>
-#include <vector>
-
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
+#include <vector>
 
 namespace {
 
@@ -39,10 +38,17 @@ cv::Mat loadPicture(const std::string& path) {
     const cv::Mat m = to8Bit(readAnything(path, "picture"));
     cv::Mat bgr;
     switch (m.channels()) {
-        case 1: cv::cvtColor(m, bgr, cv::COLOR_GRAY2BGR); break;
-        case 3: bgr = m; break;
-        case 4: cv::cvtColor(m, bgr, cv::COLOR_BGRA2BGR); break;
-        default: throw ToolError("picture has an unsupported number of channels: " + path);
+        case 1:
+            cv::cvtColor(m, bgr, cv::COLOR_GRAY2BGR);
+            break;
+        case 3:
+            bgr = m;
+            break;
+        case 4:
+            cv::cvtColor(m, bgr, cv::COLOR_BGRA2BGR);
+            break;
+        default:
+            throw ToolError("picture has an unsupported number of channels: " + path);
     }
     return bgr;
 }

@@ -2,14 +2,13 @@
 // with errors a person can act on.
 #pragma once
 
+#include <opencv2/core.hpp>
 #include <stdexcept>
 #include <string>
 
-#include <opencv2/core.hpp>
-
 // A failure the tool reports in one line and exits non-zero for.
 class ToolError : public std::runtime_error {
-public:
+  public:
     using std::runtime_error::runtime_error;
 };
 

@@ -13,10 +13,13 @@ bool g_drawn = false;
 
 int drawProgressBar(int current, int total, void*) {
     if (!isatty(fileno(stderr)) || total <= 0) return 1;
-    const double f = current < 0 ? 0.0 : current > total ? 1.0 : static_cast<double>(current) / total;
+    const double f = current < 0       ? 0.0
+                     : current > total ? 1.0
+                                       : static_cast<double>(current) / total;
     const int filled = static_cast<int>(f * kBarWidth);
-    std::fprintf(stderr, "\r[%.*s%*s] %3d%%", filled, "##################################################",
-                 kBarWidth - filled, "", static_cast<int>(f * 100));
+    std::fprintf(stderr, "\r[%.*s%*s] %3d%%", filled,
+                 "##################################################", kBarWidth - filled, "",
+                 static_cast<int>(f * 100));
     std::fflush(stderr);
     g_drawn = true;
     return 1;

@@ -1,0 +1,45 @@
+// Request buffers for the tool, tests and benchmarks.
+#include "engine_job.h"
+
+#include <opencv2/imgproc.hpp>
+
+namespace {
+// Unpainted start value of the band: even (not painted) and mid-way, so no
+// region test counts it as decided.
+constexpr unsigned char kBandStart = 128;
+}  // namespace
+
+EngineJob::EngineJob(const cv::Mat& pictureBgr, const cv::Mat& brushMap) {
+    cv::cvtColor(pictureBgr, image, cv::COLOR_BGR2BGRA);
+    mask = brushMap.clone();
+    brushInfo = brushMap.clone();
+    foreground = image.clone();
+}
+
+RKPSStructMsk2 EngineJob::request() {
+    RKPSStructMsk2 r{};
+    r.image = image.data;
+    r.imageRowBytes = static_cast<int>(image.step);
+    r.mask = mask.data;
+    r.maskRowBytes = static_cast<int>(mask.step);
+    r.foreground = foreground.data;
+    r.foregroundRowBytes = static_cast<int>(foreground.step);
+    r.brushInfo = brushInfo.data;
+    r.brushInfoRowBytes = static_cast<int>(brushInfo.step);
+    r.width = r.roiWidth = image.cols;
+    r.height = r.roiHeight = image.rows;
+    return r;
+}
+
+cv::Mat brushMapFromTrimap(const cv::Mat& trimap) {
+    cv::Mat map(trimap.size(), CV_8UC1, cv::Scalar(kBandStart));
+    map.setTo(RK_MASK_CUT, trimap == 0);
+    map.setTo(RK_MASK_KEEP, trimap == 255);
+    return map;
+}
+
+cv::Mat matteFromMask(const cv::Mat& mask) {
+    cv::Mat out = mask.clone();
+    out.setTo(0, mask == RK_MASK_CUT);
+    return out;
+}
