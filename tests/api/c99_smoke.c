@@ -57,5 +57,50 @@ int main(void) {
             ++failures;
         }
     }
+    {
+        /* A 48 x 40 picture, dark on the left and bright on the right, cut
+           painted on the left quarter and keep on the right quarter, the
+           middle unknown: a whole-picture job must succeed, keep every
+           painted byte and leave only even bytes in the middle. */
+        enum { W = 48, H = 40 };
+        static unsigned char image[H][W * 4], mask[H][W], brush[H][W], before[H][W];
+        RKPSStructMsk2 request;
+        int x, y, intact = 1, even = 1;
+        for (y = 0; y < H; ++y)
+            for (x = 0; x < W; ++x) {
+                unsigned char v = (unsigned char)(x < W / 2 ? 30 + x : 200 + x / 2);
+                image[y][4 * x] = v;
+                image[y][4 * x + 1] = (unsigned char)(v / 2 + y);
+                image[y][4 * x + 2] = v;
+                image[y][4 * x + 3] = 255;
+                mask[y][x] = x < W / 4 ? RK_MASK_CUT : (x >= 3 * W / 4 ? RK_MASK_KEEP : 128);
+            }
+        memcpy(brush, mask, sizeof mask);
+        memcpy(before, mask, sizeof mask);
+        memset(&request, 0, sizeof request);
+        request.image = &image[0][0];
+        request.imageRowBytes = W * 4;
+        request.mask = &mask[0][0];
+        request.maskRowBytes = W;
+        request.brushInfo = &brush[0][0];
+        request.brushInfoRowBytes = W;
+        request.width = request.roiWidth = W;
+        request.height = request.roiHeight = H;
+        if (rkKeepCutToAlpha(&request, 0, false) != 1) {
+            puts("keep/cut entry failed");
+            puts(getErrMsg());
+            ++failures;
+        }
+        for (y = 0; y < H; ++y)
+            for (x = 0; x < W; ++x) {
+                if ((before[y][x] & 1) && mask[y][x] != before[y][x]) intact = 0;
+                if (!(before[y][x] & 1) && (mask[y][x] & 1)) even = 0;
+            }
+        if (!intact || !even) {
+            puts("keep/cut entry changed painted bytes or left odd results");
+            ++failures;
+        }
+        if (recoverBrushInfo(NULL) != -2) ++failures;
+    }
     return failures == 0 ? 0 : 1;
 }

@@ -1,0 +1,255 @@
+// The main keep/cut entry end to end on the generated sample: results of the
+// whole-picture strategies against the true matte, the painted bytes after
+// success and after every kind of failure, the merge of region jobs, the
+// strategy chosen at the area limits, and refused requests.
+#include <gtest/gtest.h>
+
+#include <opencv2/core.hpp>
+#include <stdexcept>
+#include <string>
+
+#include "api/keepcut.h"
+#include "keepcut_job.h"
+
+namespace {
+
+using keepcut_test::KeepCutJob;
+
+constexpr int kW = 320;
+constexpr int kH = 240;
+
+bool logHas(const char* text) {
+    return std::string(getErrMsg()).find(text) != std::string::npos;
+}
+
+// Every painted (odd) input byte is intact, no even input byte of the region
+// came out odd, and nothing outside the region changed.
+void expectPaintedIntact(const cv::Mat& before, const cv::Mat& after, const cv::Rect& region) {
+    int changedPainted = 0, oddResults = 0, changedOutside = 0;
+    for (int y = 0; y < before.rows; ++y)
+        for (int x = 0; x < before.cols; ++x) {
+            const unsigned char b = before.at<unsigned char>(y, x);
+            const unsigned char a = after.at<unsigned char>(y, x);
+            if (!region.contains(cv::Point(x, y)))
+                changedOutside += a != b;
+            else if (b & 1)
+                changedPainted += a != b;
+            else
+                oddResults += a & 1;
+        }
+    EXPECT_EQ(changedPainted, 0);
+    EXPECT_EQ(oddResults, 0);
+    EXPECT_EQ(changedOutside, 0);
+}
+
+cv::Rect regionOf(const RKPSStructMsk2& r) {
+    return cv::Rect(r.roiX, r.roiY, r.roiWidth, r.roiHeight);
+}
+
+// Budgets of the whole-picture matte at 320 x 240, in summed grey levels over
+// the picture (the unknown band holds 9933 pixels). Measured: 44,555 for the
+// full-resolution pass (case 4) and 176,583 for the coarse pass (case 8, which
+// solves at half size and loses single-pixel hairs); budgets are those + 5%.
+constexpr double kSadBudgetCase4 = 46783;
+constexpr double kSadBudgetCase8 = 185412;
+
+TEST(KeepCutEntry, WholePictureMatteWithinBudget) {
+    const struct {
+        int hiResPass;
+        const char* start;
+        const char* done;
+        double budget;
+    } cases[] = {
+        {1, "computeAlphaKDTreeHiRes start - 4", "computeAlphaKDTreeHiRes sucessful - 4",
+         kSadBudgetCase4},
+        {0, "computeAlphaKDTreePyramid start - 8", "computeAlphaKDTreePyramid sucessful - 8",
+         kSadBudgetCase8},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.start);
+        KeepCutJob job(kW, kH);
+        const cv::Mat before = job.mask.clone();
+        clearErrMsg();
+        ASSERT_EQ(rkKeepCutToAlpha(&job.request, c.hiResPass, false), 1) << getErrMsg();
+        EXPECT_TRUE(logHas(c.start));
+        EXPECT_TRUE(logHas(c.done));
+        expectPaintedIntact(before, job.mask, cv::Rect(0, 0, kW, kH));
+        EXPECT_LE(job.sad(), c.budget);
+        // A whole-picture job never widens: the region was already all of it.
+        EXPECT_EQ(regionOf(job.request), cv::Rect(0, 0, kW, kH));
+    }
+}
+
+TEST(KeepCutEntry, ResultsAreRepeatable) {
+    KeepCutJob first(kW, kH), second(kW, kH);
+    ASSERT_EQ(rkKeepCutToAlpha(&first.request, 1, false), 1);
+    ASSERT_EQ(rkKeepCutToAlpha(&second.request, 1, false), 1);
+    EXPECT_EQ(cv::countNonZero(first.mask != second.mask), 0);
+}
+
+// A region job on the subject's upper edge, run as computed (mergeMode 2) and
+// merged by minimum and by maximum: the merged results are exactly the
+// smaller / larger of the computed result and the pre-solve map on unpainted
+// pixels, and the painted bytes and everything outside the region stay.
+TEST(KeepCutEntry, RegionJobsMergeByMinimumAndMaximum) {
+    for (int hiRes : {1, 0}) {
+        SCOPED_TRACE(hiRes);
+        KeepCutJob computed(kW, kH);
+        computed.setRegion(120, 30, 60, 40, 1);
+        clearErrMsg();
+        ASSERT_EQ(rkKeepCutToAlpha(&computed.request, hiRes, false), 1) << getErrMsg();
+        EXPECT_TRUE(logHas(hiRes == 1 ? "computeAlphaOriginalPyramid start- 1"
+                                      : "computeAlphaOriginalPyramid start - 5"));
+        const cv::Rect region = regionOf(computed.request);
+        EXPECT_GT(region.area(), 60 * 40);  // widened for context
+        const cv::Mat input = KeepCutJob(kW, kH).mask;
+        expectPaintedIntact(input, computed.mask, region);
+        // brushInfo held the painted map during the call.
+        EXPECT_EQ(cv::countNonZero(computed.brush != input), 0);
+
+        for (int mode : {0, 1}) {
+            KeepCutJob merged(kW, kH);
+            merged.setRegion(120, 30, 60, 40, 1);
+            merged.request.mergeMode = mode;
+            ASSERT_EQ(rkKeepCutToAlpha(&merged.request, hiRes, false), 1);
+            int wrong = 0;
+            for (int y = 0; y < kH; ++y)
+                for (int x = 0; x < kW; ++x) {
+                    const unsigned char in = input.at<unsigned char>(y, x);
+                    unsigned char want = computed.mask.at<unsigned char>(y, x);
+                    if (!(in & 1) && region.contains(cv::Point(x, y)))
+                        want = mode == 0 ? std::min(want, in) : std::max(want, in);
+                    wrong += merged.mask.at<unsigned char>(y, x) != want;
+                }
+            EXPECT_EQ(wrong, 0) << "mergeMode " << mode;
+        }
+    }
+}
+
+TEST(KeepCutEntry, OnlyKeepStrokesFailsWithStrokesRestored) {
+    for (int hiRes : {1, 0}) {
+        SCOPED_TRACE(hiRes);
+        KeepCutJob job(kW, kH);
+        job.mask.setTo(100, job.mask == RK_MASK_CUT);  // cut strokes become band
+        job.mask.copyTo(job.brush);
+        const cv::Mat before = job.mask.clone();
+        EXPECT_EQ(rkKeepCutToAlpha(&job.request, hiRes, false), -5);
+        expectPaintedIntact(before, job.mask, cv::Rect(0, 0, kW, kH));
+    }
+}
+
+int throwingProgress(int, int, void*) {
+    throw std::runtime_error("host callback failed");
+}
+
+TEST(KeepCutEntry, UnexpectedFailureIsOutOfMemoryWithStrokesRestored) {
+    KeepCutJob job(kW, kH);
+    int data = 0;
+    job.request.progProc = throwingProgress;
+    job.request.progData = &data;
+    const cv::Mat before = job.mask.clone();
+    clearErrMsg();
+    EXPECT_EQ(rkKeepCutToAlpha(&job.request, 1, false), -6);
+    EXPECT_TRUE(
+        logHas("Out of System Memory !! \nPlease close unused applications or try "
+               "smaller pictures."));
+    expectPaintedIntact(before, job.mask, cv::Rect(0, 0, kW, kH));
+    initProgProc();
+}
+
+// A whole picture whose only strokes sit on either side of the first split:
+// the split is undone and the single leaf at half size holds more than
+// 2,000,000 unknown pixels, so the KD-tree guard refuses the job.
+TEST(KeepCutEntry, KDTreeGuardFailureReturnsMinusOne) {
+    const int w = 2900, h = 2800;  // 1450 x 1400 = 2,030,000 at half size
+    cv::Mat image(h, w, CV_8UC4, cv::Scalar(40, 80, 120, 255));
+    cv::Mat mask(h, w, CV_8UC1, cv::Scalar(128)), brush(h, w, CV_8UC1);
+    mask.at<unsigned char>(2, 2) = RK_MASK_KEEP;
+    mask.at<unsigned char>(h - 4, w - 4) = RK_MASK_CUT;
+    mask.copyTo(brush);
+    const cv::Mat before = mask.clone();
+    RKPSStructMsk2 r{};
+    r.image = image.data, r.imageRowBytes = static_cast<int>(image.step);
+    r.mask = mask.data, r.maskRowBytes = w;
+    r.brushInfo = brush.data, r.brushInfoRowBytes = w;
+    r.width = r.roiWidth = w, r.height = r.roiHeight = h;
+    EXPECT_EQ(rkKeepCutToAlpha(&r, 0, false), -1);
+    expectPaintedIntact(before, mask, cv::Rect(0, 0, w, h));
+}
+
+// A region job of exactly 968 x 968 pixels (the whole picture, so widening
+// cannot grow it) leaves the original-pyramid strategy on the coarse pass.
+TEST(KeepCutEntry, CoarseRegionAtTheAreaLimitRunsTheKDTree) {
+    KeepCutJob job(968, 968);
+    job.setRegion(0, 0, 968, 968, 1);
+    const cv::Mat before = job.mask.clone();
+    clearErrMsg();
+    ASSERT_EQ(rkKeepCutToAlpha(&job.request, 0, false), 1) << getErrMsg();
+    EXPECT_TRUE(logHas("computeAlphaKDTreePyramid sucessful - 7"));
+    expectPaintedIntact(before, job.mask, cv::Rect(0, 0, 968, 968));
+}
+
+TEST(KeepCutEntry, RefusesUnusableRequests) {
+    KeepCutJob job(64, 48);
+    const cv::Mat before = job.mask.clone();
+    const RKPSStructMsk2 good = job.request;
+    const struct {
+        const char* what;
+        void (*spoil)(RKPSStructMsk2&);
+    } spoilers[] = {
+        {"image", [](RKPSStructMsk2& r) { r.image = nullptr; }},
+        {"mask", [](RKPSStructMsk2& r) { r.mask = nullptr; }},
+        {"brushInfo", [](RKPSStructMsk2& r) { r.brushInfo = nullptr; }},
+        {"foreground",
+         [](RKPSStructMsk2& r) {
+             r.foreground = nullptr;
+             r.recoverForeground = true;
+         }},
+        {"negative size", [](RKPSStructMsk2& r) { r.height = -1; }},
+        {"short image rows", [](RKPSStructMsk2& r) { r.imageRowBytes = 4 * r.width - 1; }},
+        {"short mask rows", [](RKPSStructMsk2& r) { r.maskRowBytes = r.width - 1; }},
+        {"region off the right", [](RKPSStructMsk2& r) { r.roiX = 1; }},
+        {"region above", [](RKPSStructMsk2& r) { r.roiY = -1; }},
+        {"empty region", [](RKPSStructMsk2& r) { r.roiWidth = 0; }},
+    };
+    for (const auto& s : spoilers) {
+        SCOPED_TRACE(s.what);
+        RKPSStructMsk2 r = good;
+        s.spoil(r);
+        const RKPSStructMsk2 spoiled = r;
+        clearErrMsg();
+        EXPECT_EQ(rkKeepCutToAlpha(&r, 1, false), -2);
+        EXPECT_TRUE(logHas("rkKeepCutToAlpha: "));
+        EXPECT_EQ(std::memcmp(&r, &spoiled, sizeof r), 0);
+        EXPECT_EQ(cv::countNonZero(job.mask != before), 0);
+    }
+    EXPECT_EQ(rkKeepCutToAlpha(nullptr, 1, false), -2);
+    EXPECT_EQ(recoverBrushInfo(nullptr), -2);
+}
+
+// Without recovery, the full-resolution strategies leave the foreground alone.
+TEST(KeepCutEntry, RecoverForegroundIsAcceptedAndLeavesForegroundAlone) {
+    KeepCutJob job(kW, kH);
+    job.request.recoverForeground = true;
+    job.foreground.setTo(cv::Scalar::all(7));
+    ASSERT_EQ(rkKeepCutToAlpha(&job.request, 1, false), 1);
+    EXPECT_EQ(cv::countNonZero(job.foreground.reshape(1) != 7), 0);
+}
+
+TEST(RecoverBrushInfo, RestoresPaintedBytesOverTheRegionOnly) {
+    KeepCutJob job(40, 30);
+    job.mask.setTo(77);  // odd everywhere: painted bytes must come back, others lose bit 0
+    job.setRegion(5, 4, 20, 10, 1);
+    ASSERT_EQ(recoverBrushInfo(&job.request), 1);
+    int wrong = 0;
+    for (int y = 0; y < 30; ++y)
+        for (int x = 0; x < 40; ++x) {
+            const unsigned char b = job.brush.at<unsigned char>(y, x);
+            const bool inside = cv::Rect(5, 4, 20, 10).contains(cv::Point(x, y));
+            const unsigned char want = !inside ? 77 : ((b & 1) ? b : 76);
+            wrong += job.mask.at<unsigned char>(y, x) != want;
+        }
+    EXPECT_EQ(wrong, 0);
+}
+
+}  // namespace

@@ -1,0 +1,87 @@
+// A keep/cut request over the generated sample, with the buffers it points at:
+// the 4-byte picture, the brush map (cut, keep and the unknown band as 128),
+// brushInfo holding the painted map and a foreground buffer. Each buffer row
+// is padded so that row bytes larger than the width are exercised.
+#pragma once
+
+#include <cstring>
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include "api/keepcut.h"
+#include "synthetic_sample.h"
+
+namespace keepcut_test {
+
+// Bytes added to every row of every buffer.
+inline constexpr int kRowPadding = 24;
+inline constexpr unsigned char kTrimapUnknown = 128;
+inline constexpr unsigned char kTrimapKeep = 255;
+
+struct KeepCutJob {
+    SyntheticSample sample;
+    int w, h;
+    cv::Mat imageBlock, maskBlock, brushBlock, fgBlock;  // padded storage
+    cv::Mat image, mask, brush, foreground;              // w x h views
+    RKPSStructMsk2 request;
+
+    KeepCutJob(int width, int height)
+        : sample(makeSyntheticSample(width, height)), w(width), h(height) {
+        imageBlock = cv::Mat(h, w + kRowPadding, CV_8UC4, cv::Scalar::all(0));
+        fgBlock = cv::Mat(h, w + kRowPadding, CV_8UC4, cv::Scalar::all(0));
+        maskBlock = cv::Mat(h, w + kRowPadding, CV_8UC1, cv::Scalar(0));
+        brushBlock = cv::Mat(h, w + kRowPadding, CV_8UC1, cv::Scalar(0));
+        image = imageBlock(cv::Rect(0, 0, w, h));
+        foreground = fgBlock(cv::Rect(0, 0, w, h));
+        mask = maskBlock(cv::Rect(0, 0, w, h));
+        brush = brushBlock(cv::Rect(0, 0, w, h));
+        cv::cvtColor(sample.picture, image, cv::COLOR_BGR2BGRA);
+        // Trimap to brush codes: 0 -> painted cut, 255 -> painted keep, the
+        // unknown band stays an even estimate.
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                const unsigned char t = sample.trimap.at<unsigned char>(y, x);
+                mask.at<unsigned char>(y, x) =
+                    t == 0 ? static_cast<unsigned char>(RK_MASK_CUT)
+                           : (t == kTrimapKeep ? static_cast<unsigned char>(RK_MASK_KEEP) : t);
+            }
+        mask.copyTo(brush);
+        std::memset(&request, 0, sizeof request);
+        request.image = image.data;
+        request.imageRowBytes = static_cast<int>(image.step);
+        request.mask = mask.data;
+        request.maskRowBytes = static_cast<int>(mask.step);
+        request.foreground = foreground.data;
+        request.foregroundRowBytes = static_cast<int>(foreground.step);
+        request.brushInfo = brush.data;
+        request.brushInfoRowBytes = static_cast<int>(brush.step);
+        request.width = w;
+        request.height = h;
+        request.roiWidth = w;
+        request.roiHeight = h;
+        request.mergeMode = 2;
+    }
+    KeepCutJob(const KeepCutJob&) = delete;
+    KeepCutJob& operator=(const KeepCutJob&) = delete;
+
+    void setRegion(int x, int y, int rw, int rh, int cellMode) {
+        request.roiX = x, request.roiY = y, request.roiWidth = rw, request.roiHeight = rh;
+        request.cellMode = cellMode;
+    }
+
+    // The mask read as alpha (painted cut 1 reads 0) against the true matte:
+    // the sum of absolute differences in grey levels over the whole picture.
+    double sad() const {
+        const cv::Mat truth = alphaToBytes(sample.alpha);
+        double total = 0;
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                const int m = mask.at<unsigned char>(y, x);
+                const int a = m == RK_MASK_CUT ? 0 : m;
+                total += std::abs(a - truth.at<unsigned char>(y, x));
+            }
+        return total;
+    }
+};
+
+}  // namespace keepcut_test
