@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -150,10 +151,16 @@ class RatioReporter : public benchmark::ConsoleReporter {
   public:
     void ReportRuns(const std::vector<Run>& runs) override {
         ConsoleReporter::ReportRuns(runs);
+        // With repetitions, the median stands for the primitive; the other
+        // aggregates (mean, stddev, cv) are not rates to compare.
         for (const Run& r : runs) {
+            const bool median = r.run_type == Run::RT_Aggregate && r.aggregate_name == "median";
+            if (r.run_type == Run::RT_Aggregate && !median) continue;
             const auto it = r.counters.find("bytes_per_second");
-            if (it != r.counters.end() && !r.error_occurred)
-                rate_[r.run_name.function_name] = it->second.value;
+            if (it == r.counters.end() || r.error_occurred) continue;
+            const std::string& name = r.run_name.function_name;
+            if (median || !medianSeen_.count(name)) rate_[name] = it->second.value;
+            if (median) medianSeen_.insert(name);
         }
     }
     void Finalize() override {
@@ -169,6 +176,7 @@ class RatioReporter : public benchmark::ConsoleReporter {
 
   private:
     std::map<std::string, double> rate_;
+    std::set<std::string> medianSeen_;
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
-// Two-operand arithmetic as row loops (integer forms widen to 64 bits before
-// scaling); absolute differences through OpenCV, which is exact for them.
+// Two-operand arithmetic as row loops (integer forms scale in the narrowest
+// lanes that hold their values); absolute differences through OpenCV, which is
+// exact for them.
 #include "core/ippi_arith.h"
 
 #include <cmath>
@@ -8,13 +9,6 @@
 
 namespace {
 using namespace kc::prim;
-
-template <typename T, typename Op>
-IppStatus scaledInPlace(const T* s, int ss, T* d, int ds, IppiSize r, int sf, Op op) {
-    const SfsScaler<T> scale(sf);
-    return zipRows(s, ss, d, ds, d, ds, r, 1,
-                   [&](T a, T b) { return scale(op(static_cast<long long>(a), b)); });
-}
 
 template <typename T>
 IppStatus absDiff(const T* a, int as, const T* b, int bs, T* d, int ds, IppiSize r) {
@@ -43,10 +37,10 @@ constexpr auto kTimes = [](auto a, auto b) { return b * a; };
 }  // namespace
 
 IppStatus ippiAdd_8u_C1IRSfs(const Ipp8u* s, int ss, Ipp8u* d, int ds, IppiSize r, int sf) {
-    return scaledInPlace(s, ss, d, ds, r, sf, kPlus);
+    return scaledZip<SfsPlus>(s, ss, d, ds, d, ds, r, sf);
 }
 IppStatus ippiAdd_16u_C1IRSfs(const Ipp16u* s, int ss, Ipp16u* d, int ds, IppiSize r, int sf) {
-    return scaledInPlace(s, ss, d, ds, r, sf, kPlus);
+    return scaledZip<SfsPlus>(s, ss, d, ds, d, ds, r, sf);
 }
 IppStatus ippiAdd_32f_C1IR(const Ipp32f* s, int ss, Ipp32f* d, int ds, IppiSize r) {
     return zipRows(s, ss, d, ds, d, ds, r, 1, kPlus);
@@ -55,19 +49,17 @@ IppStatus ippiAdd_32f_C3IR(const Ipp32f* s, int ss, Ipp32f* d, int ds, IppiSize 
     return zipRows(s, ss, d, ds, d, ds, r, 3, kPlus);
 }
 IppStatus ippiSub_8u_C1IRSfs(const Ipp8u* s, int ss, Ipp8u* d, int ds, IppiSize r, int sf) {
-    return scaledInPlace(s, ss, d, ds, r, sf, kMinus);
+    return scaledZip<SfsMinus>(s, ss, d, ds, d, ds, r, sf);
 }
 IppStatus ippiSub_8u_C1RSfs(const Ipp8u* s1, int s1s, const Ipp8u* s2, int s2s, Ipp8u* d, int ds,
                             IppiSize r, int sf) {
-    const SfsScaler<Ipp8u> scale(sf);
-    return zipRows(s1, s1s, s2, s2s, d, ds, r, 1,
-                   [&](Ipp8u a, Ipp8u b) { return scale(static_cast<long long>(b) - a); });
+    return scaledZip<SfsMinus>(s1, s1s, s2, s2s, d, ds, r, sf);
 }
 IppStatus ippiSub_32f_C1IR(const Ipp32f* s, int ss, Ipp32f* d, int ds, IppiSize r) {
     return zipRows(s, ss, d, ds, d, ds, r, 1, kMinus);
 }
 IppStatus ippiMul_8u_C1IRSfs(const Ipp8u* s, int ss, Ipp8u* d, int ds, IppiSize r, int sf) {
-    return scaledInPlace(s, ss, d, ds, r, sf, kTimes);
+    return scaledZip<SfsTimes>(s, ss, d, ds, d, ds, r, sf);
 }
 IppStatus ippiMul_32f_C1IR(const Ipp32f* s, int ss, Ipp32f* d, int ds, IppiSize r) {
     return zipRows(s, ss, d, ds, d, ds, r, 1, kTimes);

@@ -6,25 +6,22 @@
 namespace {
 using namespace kc::prim;
 
-// One image, constants per channel, an integer op scaled by the Sfs rule.
-template <typename T, typename Op>
-IppStatus scaledConst(const T* s, int ss, T* d, int ds, IppiSize r, int sf, int ch, const T* values,
-                      Op op) {
-    if (!values) return ippStsNullPtrErr;
-    const SfsScaler<T> scale(sf);
-    return mapRows(s, ss, d, ds, r, ch, [&](T v, int c) {
-        return scale(op(static_cast<long long>(v), static_cast<long long>(values[c])));
-    });
-}
-
-// The four-channel form scales three channels and copies the fourth back.
+// The four-channel form scales three channels and leaves the fourth alone.
 IppStatus mulAc4(const Ipp8u* values, Ipp8u* d, int ds, IppiSize r, int sf) {
     if (!values) return ippStsNullPtrErr;
-    const Ipp8u four[4] = {values[0], values[1], values[2], 1};
-    const SfsScaler<Ipp8u> scale(sf);
-    return mapRows(d, ds, d, ds, r, 4, [&](Ipp8u v, int c) {
-        return c == 3 ? v : scale(static_cast<long long>(v) * four[c]);
+    if (IppStatus st = checkPlanes(r, {plane(d, ds, 4)})) return st;
+    withSfs<Ipp8u, SfsTimes>(sf, [&](auto scale) {
+        using L = typename decltype(scale)::Lane;
+        const L k[3] = {static_cast<L>(values[0]), static_cast<L>(values[1]),
+                        static_cast<L>(values[2])};
+        for (int y = 0; y < r.height; ++y) {
+            Ipp8u* p = rowAt(d, ds, y);
+            for (int x = 0; x < r.width; ++x)
+                for (int c = 0; c < 3; ++c)
+                    p[4 * x + c] = scale(SfsTimes::apply(k[c], static_cast<L>(p[4 * x + c])));
+        }
     });
+    return ippStsNoErr;
 }
 
 template <typename Op>
@@ -51,10 +48,10 @@ constexpr auto kTimes = [](auto v, auto k) { return v * k; };
 }  // namespace
 
 IppStatus ippiAddC_8u_C1IRSfs(Ipp8u v, Ipp8u* d, int ds, IppiSize r, int sf) {
-    return scaledConst(d, ds, d, ds, r, sf, 1, &v, kPlus);
+    return scaledConst<SfsPlus>(v, d, ds, d, ds, r, sf);
 }
 IppStatus ippiAddC_16u_C1IRSfs(Ipp16u v, Ipp16u* d, int ds, IppiSize r, int sf) {
-    return scaledConst(d, ds, d, ds, r, sf, 1, &v, kPlus);
+    return scaledConst<SfsPlus>(v, d, ds, d, ds, r, sf);
 }
 IppStatus ippiAddC_32f_C1IR(Ipp32f v, Ipp32f* d, int ds, IppiSize r) {
     return floatConst(d, ds, d, ds, r, 1, &v, kPlus);
@@ -63,14 +60,14 @@ IppStatus ippiAddC_32f_C3IR(const Ipp32f v[3], Ipp32f* d, int ds, IppiSize r) {
     return floatConst(d, ds, d, ds, r, 3, v, kPlus);
 }
 IppStatus ippiSubC_8u_C1IRSfs(Ipp8u v, Ipp8u* d, int ds, IppiSize r, int sf) {
-    return scaledConst(d, ds, d, ds, r, sf, 1, &v, kMinus);
+    return scaledConst<SfsMinus>(v, d, ds, d, ds, r, sf);
 }
 IppStatus ippiSubC_16u_C1RSfs(const Ipp16u* s, int ss, Ipp16u v, Ipp16u* d, int ds, IppiSize r,
                               int sf) {
-    return scaledConst(s, ss, d, ds, r, sf, 1, &v, kMinus);
+    return scaledConst<SfsMinus>(v, s, ss, d, ds, r, sf);
 }
 IppStatus ippiMulC_8u_C1IRSfs(Ipp8u v, Ipp8u* d, int ds, IppiSize r, int sf) {
-    return scaledConst(d, ds, d, ds, r, sf, 1, &v, kTimes);
+    return scaledConst<SfsTimes>(v, d, ds, d, ds, r, sf);
 }
 IppStatus ippiMulC_8u_AC4IRSfs(const Ipp8u v[3], Ipp8u* d, int ds, IppiSize r, int sf) {
     return mulAc4(v, d, ds, r, sf);

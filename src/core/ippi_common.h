@@ -10,6 +10,7 @@
 #include <limits>
 #include <opencv2/core.hpp>
 #include <type_traits>
+#include <utility>
 
 #include "core/ipp_types.h"
 
@@ -77,6 +78,7 @@ constexpr T saturateTo(long long v) {
 // floor((v + half - 1 + lowBitOfQuotient) / 2^sf) is round-half-even.
 template <typename T>
 struct SfsScaler {
+    using Lane = long long;
     int sf;
     explicit SfsScaler(int scaleFactor) : sf(scaleFactor) {}
 
@@ -95,5 +97,58 @@ struct SfsScaler {
         return saturateTo<T>(v * (1LL << up));
     }
 };
+
+// The same rule with the scale factor fixed at compile time and the value
+// held in lanes of type Lane: a shift by a constant in the narrowest lane that
+// holds every value an operation can produce is what lets the row loops
+// vectorise (a shift by a run-time count makes the compiler widen to 32 bits,
+// and 64-bit lanes leave two values per vector). Callers guarantee that
+// v + 2^(Sf-1) fits in Lane; the result equals SfsScaler<T>(Sf)(v).
+template <typename T, typename LaneT, int Sf>
+struct FixedSfs {
+    using Lane = LaneT;
+    static_assert(Sf >= 0 && Sf <= std::numeric_limits<Lane>::digits);
+
+    T operator()(Lane v) const {
+        Lane q = v;
+        if constexpr (Sf > 0) {
+            // floor((v + half - 1 + lowBitOfQuotient) / 2^Sf), as in SfsScaler.
+            constexpr Lane bias = static_cast<Lane>((1 << (Sf - 1)) - 1);
+            const Lane odd = static_cast<Lane>((v >> Sf) & 1);
+            q = static_cast<Lane>(static_cast<Lane>(v + bias + odd) >> Sf);
+        }
+        constexpr Lane hi = static_cast<Lane>(std::numeric_limits<T>::max());
+        q = q < hi ? q : hi;
+        if constexpr (std::is_signed_v<Lane>) q = q > 0 ? q : 0;
+        return static_cast<T>(q);
+    }
+};
+
+// Scale factors up to this one get a compile-time kernel; every value an
+// integer primitive produces (at most 17 bits) rounds to 0 or saturates beyond
+// it, so larger and negative factors are rare enough for the generic scaler.
+inline constexpr int kMaxFixedSf = 16;
+
+// The narrowest lane for values in [lo, hi] scaled by 2^-Sf: 16-bit lanes
+// (signed first: their min/max are single instructions) when hi plus the
+// rounding bias fits, else 32-bit.
+template <long long Lo, long long Hi, int Sf, long long Top = Hi + ((1LL << Sf) >> 1)>
+using SfsLane =
+    std::conditional_t<(Lo >= -32768 && Top <= 32767), std::int16_t,
+                       std::conditional_t<(Lo >= 0 && Top <= 65535), std::uint16_t, std::int32_t>>;
+
+template <typename T, long long Lo, long long Hi, typename Body, int... Sf>
+bool dispatchFixedSfs(int sf, Body& body, std::integer_sequence<int, Sf...>) {
+    return ((sf == Sf ? (body(FixedSfs<T, SfsLane<Lo, Hi, Sf>, Sf>{}), true) : false) || ...);
+}
+
+// Calls body(scale) with the FixedSfs for sf when 0 <= sf <= kMaxFixedSf,
+// for values in [Lo, Hi]; returns false (and does nothing) otherwise.
+template <typename T, long long Lo, long long Hi, typename Body>
+bool withFixedSfs(int sf, Body&& body) {
+    static_assert(Hi + (1LL << kMaxFixedSf) <= std::numeric_limits<std::int32_t>::max());
+    return dispatchFixedSfs<T, Lo, Hi>(sf, body,
+                                       std::make_integer_sequence<int, kMaxFixedSf + 1>());
+}
 
 }  // namespace kc::prim

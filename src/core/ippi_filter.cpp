@@ -37,48 +37,59 @@ IppStatus gauss3x3(const Ipp8u* src, int srcStep, Ipp8u* dst, int dstStep, IppiS
 }
 
 // Column pass of the 5x5 Gaussian: per column, the three row-weighted sums the
-// kernel's outer (dx = +-2), near (dx = +-1) and middle columns need.
+// kernel's outer (dx = +-2), near (dx = +-1) and middle columns need. The
+// largest, the middle one, is at most 255 * 255, so all three fit 16-bit lanes.
 // Separate restrict parameters: byte pointers could otherwise alias anything.
-void gauss5Columns(const Ipp8u* __restrict r0, const Ipp8u* __restrict r1,
-                   const Ipp8u* __restrict r2, const Ipp8u* __restrict r3,
-                   const Ipp8u* __restrict r4, std::int32_t* __restrict outer,
-                   std::int32_t* __restrict near, std::int32_t* __restrict mid, int span) {
+__attribute__((target_clones("avx2", "default"))) void gauss5Columns(
+    const Ipp8u* __restrict r0, const Ipp8u* __restrict r1, const Ipp8u* __restrict r2,
+    const Ipp8u* __restrict r3, const Ipp8u* __restrict r4, std::uint16_t* __restrict outer,
+    std::uint16_t* __restrict near, std::uint16_t* __restrict mid, int span) {
     // The kernel's rows (dy = +-2, +-1, 0) weigh a column by these triples.
     constexpr int kOuter[3] = {2, 7, 12};
     constexpr int kNear[3] = {7, 31, 52};
     constexpr int kMid[3] = {12, 52, 127};
     for (int t = 0; t < span; ++t) {
-        const std::int32_t v0 = r0[t] + r4[t];
-        const std::int32_t v1 = r1[t] + r3[t];
-        const std::int32_t v2 = r2[t];
-        outer[t] = kOuter[0] * v0 + kOuter[1] * v1 + kOuter[2] * v2;
-        near[t] = kNear[0] * v0 + kNear[1] * v1 + kNear[2] * v2;
-        mid[t] = kMid[0] * v0 + kMid[1] * v1 + kMid[2] * v2;
+        const std::uint16_t v0 = static_cast<std::uint16_t>(r0[t] + r4[t]);
+        const std::uint16_t v1 = static_cast<std::uint16_t>(r1[t] + r3[t]);
+        const std::uint16_t v2 = r2[t];
+        outer[t] = static_cast<std::uint16_t>(kOuter[0] * v0 + kOuter[1] * v1 + kOuter[2] * v2);
+        near[t] = static_cast<std::uint16_t>(kNear[0] * v0 + kNear[1] * v1 + kNear[2] * v2);
+        mid[t] = static_cast<std::uint16_t>(kMid[0] * v0 + kMid[1] * v1 + kMid[2] * v2);
+    }
+}
+
+// Row pass of the 5x5 Gaussian: the weighted sum (at most 571 * 255, so in
+// 32 bits) divided by the kernel's total 571, rounded half up.
+__attribute__((target_clones("avx2", "default"))) void gauss5Rows(
+    const std::uint16_t* __restrict outer, const std::uint16_t* __restrict near,
+    const std::uint16_t* __restrict mid, Ipp8u* __restrict out, int width) {
+    // The weights sum to 571. floor((s + 285) / 571) is the rounded quotient;
+    // it equals the truncated float product (s + 285.5) * (1 / 571): s + 285.5
+    // is exact, the true quotient stays at least 0.5 / 571 away from the next
+    // integer, and the product's rounding error is below 256 * 2^-23 (checked
+    // for every s from 0 to 571 * 255).
+    constexpr float kOffset = 285.5f;
+    constexpr float kInverse = 1.0f / 571.0f;
+    for (int x = 0; x < width; ++x) {
+        const std::int32_t s =
+            std::int32_t{outer[x]} + outer[x + 4] + near[x + 1] + near[x + 3] + mid[x + 2];
+        out[x] = static_cast<Ipp8u>(
+            static_cast<std::int32_t>((static_cast<float>(s) + kOffset) * kInverse));
     }
 }
 
 IppStatus gauss5x5(const Ipp8u* src, int srcStep, Ipp8u* dst, int dstStep, IppiSize roi) {
-    // The kernel is symmetric both ways and its weights sum to 571.
-    constexpr float kSum = 571;
     const int span = roi.width + 4;
     SourceRowWindow<Ipp8u> window(src, srcStep, roi.width, 2, 2, 2, 5, false);
-    Scratch<std::int32_t> cols(3 * static_cast<std::size_t>(span));
+    Scratch<std::uint16_t> cols(3 * static_cast<std::size_t>(span));
     if (!window.ok() || !cols.ok()) return ippStsMemAllocErr;
-    const std::int32_t* a = cols.get();
-    const std::int32_t* b = a + span;
-    const std::int32_t* c = b + span;
+    std::uint16_t* outer = cols.get();
+    std::uint16_t* near = outer + span;
+    std::uint16_t* mid = near + span;
     for (int y = 0; y < roi.height; ++y) {
         const Ipp8u* const* r = window.rowsFor(y);
-        gauss5Columns(r[0] - 2, r[1] - 2, r[2] - 2, r[3] - 2, r[4] - 2, cols.get(),
-                      cols.get() + span, cols.get() + 2 * span, span);
-        Ipp8u* out = rowAt(dst, dstStep, y);
-        for (int x = 0; x < roi.width; ++x) {
-            const float s = static_cast<float>(a[x] + a[x + 4] + b[x + 1] + b[x + 3] + c[x + 2]);
-            // s is an exact integer; the correctly rounded division of s + 285
-            // by the odd 571 never lands on an integer from below, so
-            // truncation gives the nearest integer quotient.
-            out[x] = static_cast<Ipp8u>(static_cast<int>((s + (kSum - 1) / 2) / kSum));
-        }
+        gauss5Columns(r[0] - 2, r[1] - 2, r[2] - 2, r[3] - 2, r[4] - 2, outer, near, mid, span);
+        gauss5Rows(outer, near, mid, rowAt(dst, dstStep, y), roi.width);
     }
     return ippStsNoErr;
 }

@@ -62,19 +62,24 @@ double lanczosWeight(double x) {
 }
 
 // Tap table of one axis: `count` outputs starting at destination index d0,
-// `taps` (index, weight) pairs each, indices clamped to [lo, hi).
+// `taps` (index, weight) pairs each, indices clamped to [lo, hi). Output-major
+// (all taps of an output together) or tap-major (tap k of every output
+// together, so that a row loop over outputs reads the table contiguously).
 struct AxisTaps {
     int count = 0;
     int taps = 0;
     int* index = nullptr;
     float* weight = nullptr;
+    bool tapMajor = false;
+    std::size_t at(int o, int k) const {
+        return tapMajor ? static_cast<std::size_t>(k) * count + o
+                        : static_cast<std::size_t>(o) * taps + k;
+    }
 };
 
 void buildTaps(const AxisTaps& t, const AxisMap& m, int d0, int interpolation, int lo, int hi) {
     for (int o = 0; o < t.count; ++o) {
         const double d = d0 + o;
-        int* idx = t.index + static_cast<std::size_t>(o) * t.taps;
-        float* w = t.weight + static_cast<std::size_t>(o) * t.taps;
         const double c = m.scale * d + m.sampleOffset;
         const double a = m.scale * d + m.edgeOffset, b = a + m.scale;
         const int base = static_cast<int>(std::floor(c));
@@ -99,8 +104,9 @@ void buildTaps(const AxisTaps& t, const AxisMap& m, int d0, int interpolation, i
         for (int k = 0; k < n; ++k) total += rawWeight(k);
         for (int k = 0; k < t.taps; ++k) {
             const bool real = k < n;
-            idx[k] = std::clamp(first + (real ? k : n - 1), lo, hi - 1);
-            w[k] = real && total != 0 ? static_cast<float>(rawWeight(k) / total) : 0.0f;
+            t.index[t.at(o, k)] = std::clamp(first + (real ? k : n - 1), lo, hi - 1);
+            t.weight[t.at(o, k)] =
+                real && total != 0 ? static_cast<float>(rawWeight(k) / total) : 0.0f;
         }
     }
 }
@@ -111,13 +117,17 @@ std::size_t pieceBytes(std::size_t bytes) {
     return (bytes + kPiece - 1) / kPiece * kPiece;
 }
 
+// srcWidth: the source region's width, for the one-channel forms' float copy
+// of a source row and their per-tap offsets.
 struct Plan {
-    int nx, ny, kx, ky, channels;
+    int nx, ny, kx, ky, channels, srcWidth;
     std::size_t bytes() const {
+        const std::size_t floatRow = channels == 1 ? pieceBytes(sizeof(float) * srcWidth) : 0;
         return pieceBytes(sizeof(int) * nx * kx) + pieceBytes(sizeof(float) * nx * kx) +
                pieceBytes(sizeof(int) * ny * ky) + pieceBytes(sizeof(float) * ny * ky) +
                pieceBytes(sizeof(float) * ky * nx * channels) + pieceBytes(sizeof(int) * ky) +
-               pieceBytes(sizeof(float) * nx * channels) + kPiece;
+               pieceBytes(sizeof(float) * nx * channels) + floatRow + pieceBytes(sizeof(int) * kx) +
+               kPiece;
     }
 };
 
@@ -135,10 +145,118 @@ T fromFloat(float v) {
     } else {
         constexpr float lo = std::is_same_v<T, Ipp8u> ? 0.0f : -32768.0f;
         constexpr float hi = std::is_same_v<T, Ipp8u> ? 255.0f : 32767.0f;
-        // Shifted to non-negative so that truncation rounds to nearest.
-        return static_cast<T>(static_cast<int>(std::clamp(v, lo, hi) - lo + 0.5f) +
-                              static_cast<int>(lo));
+        // Shifted to non-negative so that truncation rounds to nearest. The
+        // saturation happens after the conversion, in integers: rounding is
+        // monotonic, so a value beyond either end still lands beyond it, and
+        // an integer clamp vectorises where a float one (with its NaN rules)
+        // does not. Sums of integer pixels are finite and far inside int.
+        const int rounded = static_cast<int>(v - lo + 0.5f) + static_cast<int>(lo);
+        return static_cast<T>(std::clamp(rounded, static_cast<int>(lo), static_cast<int>(hi)));
     }
+}
+
+// The vertical taps: acc[e] += w * h[e].
+__attribute__((target_clones("avx2", "default"))) void addWeightedRow(float* __restrict acc,
+                                                                      const float* __restrict h,
+                                                                      float w, int n) {
+    for (int e = 0; e < n; ++e) acc[e] += w * h[e];
+}
+
+// A finished row of elements to the element type. Separate restrict operands:
+// stored bytes could otherwise alias the loop bound, which keeps it scalar.
+template <typename T>
+__attribute__((target_clones("avx2", "default"))) void storeRow(const float* __restrict acc,
+                                                                T* __restrict out, int n) {
+    for (int e = 0; e < n; ++e) out[e] = fromFloat<T>(acc[e]);
+}
+
+// Horizontal taps of one-channel rows. Output o sums, for k = 0, 1, ..., the
+// products weight(o, k) * f[index(o, k)] into a float that starts at 0; every
+// path below does exactly these operations in this order, so they agree to the
+// bit.
+//
+// Over most of a row the taps of a reduction by a whole factor S sit at
+// S * o + offset[k]: there the reads are strided loads, which vectorise (the
+// general index table needs gathers, which do not).
+// One tap over outputs [0, n): out[i] += w[i] * f[S * i]. One call per tap:
+// with the tap loop inside, the compiler jams pairs of taps into one scalar
+// loop. Pointer-sized indices: an int index times S could overflow as far as
+// the compiler knows, which also keeps the loop scalar.
+template <int S>
+__attribute__((target_clones("avx2", "default"))) void addStridedTap(const float* __restrict w,
+                                                                     const float* __restrict f,
+                                                                     float* __restrict out,
+                                                                     std::ptrdiff_t n) {
+    for (std::ptrdiff_t i = 0; i < n; ++i) out[i] += w[i] * f[S * i];
+}
+
+template <int S>
+void stridedTaps(const float* f, const float* weight, const int* offset, int taps, int count,
+                 int from, int to, float* out) {
+    std::fill(out + from, out + to, 0.0f);
+    for (int k = 0; k < taps; ++k)
+        addStridedTap<S>(weight + static_cast<std::size_t>(k) * count + from,
+                         f + offset[k] + static_cast<std::ptrdiff_t>(S) * from, out + from,
+                         to - from);
+}
+
+void tableTaps(const float* f, const AxisTaps& t, int from, int to, float* out) {
+    for (int o = from; o < to; ++o) {
+        float v = 0.0f;
+        for (int k = 0; k < t.taps; ++k) v += t.weight[t.at(o, k)] * f[t.index[t.at(o, k)]];
+        out[o] = v;
+    }
+}
+
+// The whole reduction factors with a strided kernel.
+constexpr int kMaxStride = 4;
+
+// Outputs [from, to) whose taps sit at stride * o + offset[k], grown from the
+// middle of the row; an empty span when the scale is no whole factor.
+struct StridedSpan {
+    int stride = 0, from = 0, to = 0;
+};
+
+StridedSpan findStridedSpan(const AxisTaps& t, double scale, int* offset) {
+    StridedSpan span;
+    const int stride = static_cast<int>(std::lround(scale));
+    if (stride < 1 || stride > kMaxStride || std::fabs(scale - stride) > 1e-12 || t.count == 0)
+        return span;
+    const int mid = t.count / 2;
+    for (int k = 0; k < t.taps; ++k) offset[k] = t.index[t.at(mid, k)] - stride * mid;
+    auto fits = [&](int o) {
+        for (int k = 0; k < t.taps; ++k)
+            if (t.index[t.at(o, k)] != stride * o + offset[k]) return false;
+        return true;
+    };
+    span.stride = stride;
+    span.from = mid;
+    span.to = mid + 1;
+    while (span.from > 0 && fits(span.from - 1)) --span.from;
+    while (span.to < t.count && fits(span.to)) ++span.to;
+    return span;
+}
+
+void horizontalRow(const float* f, const AxisTaps& t, const StridedSpan& span, const int* offset,
+                   float* out) {
+    if (span.stride == 0) return tableTaps(f, t, 0, t.count, out);
+    tableTaps(f, t, 0, span.from, out);
+    const int args[] = {t.taps, t.count, span.from, span.to};
+    switch (span.stride) {
+        case 1:
+            stridedTaps<1>(f, t.weight, offset, args[0], args[1], args[2], args[3], out);
+            break;
+        case 2:
+            stridedTaps<2>(f, t.weight, offset, args[0], args[1], args[2], args[3], out);
+            break;
+        case 3:
+            stridedTaps<3>(f, t.weight, offset, args[0], args[1], args[2], args[3], out);
+            break;
+        default:
+            stridedTaps<4>(f, t.weight, offset, args[0], args[1], args[2], args[3], out);
+            break;
+    }
+    tableTaps(f, t, span.to, t.count, out);
 }
 
 struct Job {
@@ -163,9 +281,19 @@ void resample(const T* src, int srcStep, T* dst, int dstStep, const Job& job, co
     int* ringRow = carve<int>(cursor, plan.ky);
     float* acc = carve<float>(cursor, rowLen);
     const IppiRect& r = job.srcRoi;
+    // One channel: the source row is widened to float once, then read by
+    // whole-row tap loops over a tap-major table.
+    constexpr bool kRowWise = C == 1;
+    float* floatRow = kRowWise ? carve<float>(cursor, plan.srcWidth) : nullptr;
+    int* offset = carve<int>(cursor, plan.kx);
+    tx.tapMajor = kRowWise;
     buildTaps(tx, job.mx, job.dx0, job.interpolation, r.x, r.x + r.width);
+    if (kRowWise)  // indices into the float row, which starts at the region's left edge
+        for (std::size_t i = 0; i < static_cast<std::size_t>(plan.nx) * plan.kx; ++i)
+            tx.index[i] -= r.x;
     buildTaps(ty, job.my, job.dy0, job.interpolation, r.y, r.y + r.height);
     std::fill_n(ringRow, plan.ky, -1);
+    const StridedSpan span = kRowWise ? findStridedSpan(tx, job.mx.scale, offset) : StridedSpan{};
 
     auto horizontal = [&](int sy) {
         const int slot = sy % plan.ky;
@@ -173,6 +301,11 @@ void resample(const T* src, int srcStep, T* dst, int dstStep, const Job& job, co
         if (ringRow[slot] == sy) return out;
         ringRow[slot] = sy;
         const T* s = rowAt(src, srcStep, sy);
+        if constexpr (kRowWise) {
+            for (int i = 0; i < r.width; ++i) floatRow[i] = static_cast<float>(s[r.x + i]);
+            horizontalRow(floatRow, tx, span, offset, out);
+            return out;
+        }
         for (int o = 0; o < plan.nx; ++o) {
             const int* idx = tx.index + static_cast<std::size_t>(o) * plan.kx;
             const float* w = tx.weight + static_cast<std::size_t>(o) * plan.kx;
@@ -191,12 +324,15 @@ void resample(const T* src, int srcStep, T* dst, int dstStep, const Job& job, co
         for (int k = 0; k < plan.ky; ++k) {
             if (w[k] == 0.0f) continue;
             const float* h = horizontal(idx[k]);
-            const float wk = w[k];
-            for (int e = 0; e < rowLen; ++e) acc[e] += wk * h[e];
+            addWeightedRow(acc, h, w[k], rowLen);
         }
         T* out = rowAt(dst, dstStep, oy);
-        for (int o = 0; o < plan.nx; ++o)
-            for (int c = 0; c < Written; ++c) out[o * C + c] = fromFloat<T>(acc[o * C + c]);
+        if constexpr (Written == C) {
+            storeRow(acc, out, rowLen);
+        } else {
+            for (int o = 0; o < plan.nx; ++o)
+                for (int c = 0; c < Written; ++c) out[o * C + c] = fromFloat<T>(acc[o * C + c]);
+        }
     }
 }
 
@@ -225,8 +361,12 @@ void coveredRange(const AxisMap& m, int d0, int n, int lo, int hi, int& from, in
 }
 
 Plan planFor(int nx, int ny, const Job& job, int channels) {
-    return {nx, ny, tapsFor(job.interpolation, job.mx.scale),
-            tapsFor(job.interpolation, job.my.scale), channels};
+    return {nx,
+            ny,
+            tapsFor(job.interpolation, job.mx.scale),
+            tapsFor(job.interpolation, job.my.scale),
+            channels,
+            job.srcRoi.width};
 }
 
 template <typename T, int C, int Written>
@@ -245,8 +385,9 @@ IppStatus runWithWork(const T* src, int srcStep, T* dst, int dstStep, const Job&
 std::size_t bufSizeFor(IppiRect srcROI, IppiRect dstROI, int nChannel, int interpolation) {
     const double sx = double(srcROI.width) / dstROI.width,
                  sy = double(srcROI.height) / dstROI.height;
-    const Plan plan{dstROI.width, dstROI.height, tapsFor(interpolation, sx),
-                    tapsFor(interpolation, sy), nChannel};
+    const Plan plan{
+        dstROI.width, dstROI.height, tapsFor(interpolation, sx), tapsFor(interpolation, sy),
+        nChannel,     srcROI.width};
     return plan.bytes();
 }
 

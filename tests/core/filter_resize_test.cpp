@@ -132,6 +132,10 @@ const Case kCases[] = {
     {{17, 17}, {0, 0, 17, 17}, {0, 0, 3, 2}, 1 / 5.3, 1 / 7.0, 0, 0},  // strong reduction
     {{1, 1}, {0, 0, 1, 1}, {0, 0, 3, 2}, 3, 2, 0, 0},                  // one pixel
     {{9, 1}, {0, 0, 9, 1}, {0, 0, 4, 1}, 0.45, 1, 0, 0},               // one row
+    // Whole reduction factors over rows long enough for the strided tap loops.
+    {{75, 6}, {1, 0, 73, 6}, {0, 0, 36, 3}, 0.5, 0.5, 0, 0},
+    {{70, 5}, {0, 0, 70, 5}, {0, 0, 17, 2}, 0.25, 0.5, 0.5, 0},
+    {{71, 4}, {0, 0, 71, 4}, {0, 0, 23, 2}, 1 / 3.0, 0.5, 0, 0},
 };
 
 TEST(Resize, SqrPixelMatchesPerPixelEvaluation) {

@@ -15,10 +15,11 @@
 namespace kctest {
 
 // Region sizes every family is run over: single pixels, single rows and
-// columns, odd sizes, and a width beyond the median's batch of 256.
+// columns, odd sizes, widths either side of vector lengths (16, 32) and a
+// width beyond the median's batch of 256.
 inline const std::vector<IppiSize>& regionSizes() {
-    static const std::vector<IppiSize> sizes = {{1, 1},   {1, 7}, {7, 1},  {13, 9},
-                                                {37, 21}, {2, 2}, {300, 3}};
+    static const std::vector<IppiSize> sizes = {{1, 1},  {1, 7},  {7, 1},   {13, 9}, {16, 4},
+                                                {17, 3}, {33, 2}, {37, 21}, {2, 2},  {300, 3}};
     return sizes;
 }
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
+#include <vector>
 
 #include "core/ippi_arith.h"
 #include "core/ippi_arith_const.h"
@@ -12,6 +14,14 @@ namespace {
 using primtest::Block;
 using primtest::regionSizes;
 using primtest::sfsReference;
+
+// Scale factors around every point where the scaled loops change lanes or
+// fall back to the generic scaler (16-bit lanes, 32-bit lanes, beyond 16).
+const std::vector<int>& laneEdgeScaleFactors() {
+    static const std::vector<int> sfs = {-9, -1, 0,  1,  2,  7,  8,  9, 10,
+                                         11, 13, 14, 15, 16, 17, 18, 20};
+    return sfs;
+}
 
 // Runs an in-place two-operand primitive (src, srcDst) over random blocks and
 // compares srcDst with ref(src, oldDst, channel).
@@ -41,7 +51,7 @@ void checkInPlace(int ch, double lo, double hi, Fn prim, Ref ref, double tol = 0
 }
 
 TEST(PrimArith, IntegerSfsFormsMatchTheScaledRoundedSaturatedResult) {
-    for (int sf : {-2, -1, 0, 1, 2, 3, 8, 9, 20}) {
+    for (int sf : laneEdgeScaleFactors()) {
         checkInPlace<Ipp8u, Ipp8u>(
             1, 0, 255, [sf](auto... a) { return ippiAdd_8u_C1IRSfs(a..., sf); },
             [sf](Ipp8u s, Ipp8u d, int) { return sfsReference<Ipp8u>(d + s, sf); });
@@ -81,6 +91,137 @@ TEST(PrimArith, SfsTiesGoToEvenAndResultsSaturateAtBothEnds) {
     ASSERT_EQ(ippiAddC_16u_C1IRSfs(1, u, 4, {2, 1}, 0), 0);
     EXPECT_EQ(u[0], 65535);
     EXPECT_EQ(u[1], 4);
+}
+
+// Every pair of 8-bit operands, laid out in rows whose width (331) leaves a
+// tail after any vector length, for every scale factor above.
+TEST(PrimArith, EveryEightBitOperandPairScalesExactly) {
+    const IppiSize r{331, (65536 + 330) / 331};
+    Block<Ipp8u> a(r, 1), b(r, 1), d(r, 1);
+    for (int i = 0; i < r.width * r.height; ++i) {
+        a.at(i % r.width, i / r.width) = static_cast<Ipp8u>(i & 255);
+        b.at(i % r.width, i / r.width) = static_cast<Ipp8u>((i >> 8) & 255);
+    }
+    const Block<Ipp8u> b0 = b;
+    struct Case {
+        const char* name;
+        IppStatus (*run)(Block<Ipp8u>&, Block<Ipp8u>&, Block<Ipp8u>&, IppiSize, int);
+        long long (*value)(long long a, long long b);
+    };
+    const Case cases[] = {
+        {"Add",
+         [](auto& a, auto& b, auto&, IppiSize r, int sf) {
+             return ippiAdd_8u_C1IRSfs(a.ptr(), a.step(), b.ptr(), b.step(), r, sf);
+         },
+         [](long long a, long long b) { return b + a; }},
+        {"Sub",
+         [](auto& a, auto& b, auto&, IppiSize r, int sf) {
+             return ippiSub_8u_C1IRSfs(a.ptr(), a.step(), b.ptr(), b.step(), r, sf);
+         },
+         [](long long a, long long b) { return b - a; }},
+        {"Mul",
+         [](auto& a, auto& b, auto&, IppiSize r, int sf) {
+             return ippiMul_8u_C1IRSfs(a.ptr(), a.step(), b.ptr(), b.step(), r, sf);
+         },
+         [](long long a, long long b) { return b * a; }},
+        {"Sub3",
+         [](auto& a, auto& b, auto& d, IppiSize r, int sf) {
+             return ippiSub_8u_C1RSfs(a.ptr(), a.step(), b.ptr(), b.step(), d.ptr(), d.step(), r,
+                                      sf);
+         },
+         [](long long a, long long b) { return b - a; }},
+    };
+    for (const Case& c : cases) {
+        for (int sf : laneEdgeScaleFactors()) {
+            b = b0;
+            d.fillValue(0);
+            const bool inPlace = std::string(c.name) != "Sub3";
+            ASSERT_EQ(c.run(a, b, d, r, sf), 0);
+            const Block<Ipp8u>& out = inPlace ? b : d;
+            for (int y = 0; y < r.height; ++y)
+                for (int x = 0; x < r.width; ++x)
+                    ASSERT_EQ(out.at(x, y),
+                              sfsReference<Ipp8u>(c.value(a.at(x, y), b0.at(x, y)), sf))
+                        << c.name << " sf " << sf << " a " << int(a.at(x, y)) << " b "
+                        << int(b0.at(x, y));
+        }
+    }
+}
+
+// Every 8-bit value with every 8-bit constant, and 16-bit values spread over
+// the whole range, likewise.
+TEST(PrimArithConst, EveryConstantScalesExactly) {
+    const IppiSize r{257, 3};
+    Block<Ipp8u> img(r, 1);
+    Block<Ipp16u> wide(r, 1), wideOut(r, 1);
+    for (int sf : laneEdgeScaleFactors()) {
+        for (int k = 0; k < 256; ++k) {
+            const auto k8 = static_cast<Ipp8u>(k);
+            const auto k16 = static_cast<Ipp16u>(k * 257);
+            auto check8 = [&](auto prim, auto value, const char* name) {
+                for (int y = 0; y < r.height; ++y)
+                    for (int x = 0; x < r.width; ++x) img.at(x, y) = static_cast<Ipp8u>(x + y);
+                ASSERT_EQ(prim(k8, img.ptr(), img.step(), r, sf), 0);
+                for (int y = 0; y < r.height; ++y)
+                    for (int x = 0; x < r.width; ++x)
+                        ASSERT_EQ(img.at(x, y), sfsReference<Ipp8u>(value((x + y) & 255, k), sf))
+                            << name << " sf " << sf << " k " << k << " v " << ((x + y) & 255);
+            };
+            check8(
+                ippiAddC_8u_C1IRSfs, [](long long v, long long k) { return v + k; }, "AddC");
+            check8(
+                ippiSubC_8u_C1IRSfs, [](long long v, long long k) { return v - k; }, "SubC");
+            check8(
+                ippiMulC_8u_C1IRSfs, [](long long v, long long k) { return v * k; }, "MulC");
+            auto wideValue = [](int x, int y) {
+                return static_cast<Ipp16u>((x * 255 + y) % 65536);
+            };
+            for (int y = 0; y < r.height; ++y)
+                for (int x = 0; x < r.width; ++x) wide.at(x, y) = wideValue(x, y);
+            ASSERT_EQ(ippiSubC_16u_C1RSfs(wide.ptr(), wide.step(), k16, wideOut.ptr(),
+                                          wideOut.step(), r, sf),
+                      0);
+            ASSERT_EQ(ippiAddC_16u_C1IRSfs(k16, wide.ptr(), wide.step(), r, sf), 0);
+            for (int y = 0; y < r.height; ++y)
+                for (int x = 0; x < r.width; ++x) {
+                    const long long v = wideValue(x, y);
+                    ASSERT_EQ(wideOut.at(x, y), sfsReference<Ipp16u>(v - k16, sf)) << sf;
+                    ASSERT_EQ(wide.at(x, y), sfsReference<Ipp16u>(v + k16, sf)) << sf;
+                }
+        }
+    }
+}
+
+// The destination may be either source or both: each element still reads the
+// original operands.
+TEST(PrimArith, DestinationMayCoincideWithTheSources) {
+    std::mt19937 rng(29);
+    const IppiSize r{67, 3};
+    Block<Ipp8u> a(r, 1), b(r, 1);
+    a.fillRandom(rng, 0, 255);
+    b.fillRandom(rng, 0, 255);
+    for (int sf : {0, 1, 8}) {
+        Block<Ipp8u> d1 = a, d2 = b, both = a;
+        ASSERT_EQ(
+            ippiSub_8u_C1RSfs(d1.ptr(), d1.step(), b.ptr(), b.step(), d1.ptr(), d1.step(), r, sf),
+            0);
+        ASSERT_EQ(
+            ippiSub_8u_C1RSfs(a.ptr(), a.step(), d2.ptr(), d2.step(), d2.ptr(), d2.step(), r, sf),
+            0);
+        ASSERT_EQ(ippiMul_8u_C1IRSfs(both.ptr(), both.step(), both.ptr(), both.step(), r, sf), 0);
+        Block<Ipp16u> w(r, 1);
+        w.fillRandom(rng, 0, 65535);
+        const Block<Ipp16u> w0 = w;
+        ASSERT_EQ(ippiSubC_16u_C1RSfs(w.ptr(), w.step(), 1000, w.ptr(), w.step(), r, sf), 0);
+        for (int y = 0; y < r.height; ++y)
+            for (int x = 0; x < r.width; ++x) {
+                const long long va = a.at(x, y), vb = b.at(x, y);
+                ASSERT_EQ(d1.at(x, y), sfsReference<Ipp8u>(vb - va, sf));
+                ASSERT_EQ(d2.at(x, y), sfsReference<Ipp8u>(vb - va, sf));
+                ASSERT_EQ(both.at(x, y), sfsReference<Ipp8u>(va * va, sf));
+                ASSERT_EQ(w.at(x, y), sfsReference<Ipp16u>(w0.at(x, y) - 1000LL, sf));
+            }
+    }
 }
 
 TEST(PrimArith, TwoSourceSubtractionIsSecondMinusFirst) {
