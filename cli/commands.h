@@ -1,0 +1,28 @@
+// The tool's subcommands.
+#pragma once
+
+#include <array>
+#include <string>
+
+struct MatteOptions {
+    std::string picture;
+    std::string trimap;
+    std::string alphaOut;
+    std::string cutoutOut;
+    bool hires = false;     // the main entry's high-resolution pass
+    bool full = false;      // one full-resolution solve instead of the main entry
+    bool brushMap = false;  // TRIMAP is already an engine brush map
+    bool hasRegion = false;
+    std::array<int, 4> region{};  // x, y, w, h
+    int cellMode = -1;            // -1: 0 for whole pictures, 1 for regions
+    std::string merge;            // "add", "subtract" or empty (keep as computed)
+};
+
+struct DemoOptions {
+    std::string outDir = "demo-out";
+    int width = 800;
+    int height = 600;
+};
+
+int runMatte(const MatteOptions& o);
+int runDemo(const DemoOptions& o);

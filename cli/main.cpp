@@ -1,0 +1,47 @@
+// keepcut: cut a subject out of a picture from the command line.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "commands.h"
+#include "image_io.h"
+
+int main(int argc, char** argv) {
+    CLI::App app{"keepcut: alpha mattes and cut-outs from a picture and a trimap"};
+    app.require_subcommand(1);
+
+    MatteOptions m;
+    CLI::App* matte = app.add_subcommand("matte", "compute the matte of PICTURE for TRIMAP");
+    matte->add_option("PICTURE", m.picture, "picture (8- or 16-bit, grey or colour)")->required();
+    matte->add_option("TRIMAP", m.trimap, "trimap: 0 cut, 255 keep, anything else unknown")
+        ->required();
+    matte->add_option("-o,--output", m.alphaOut, "where to write the 8-bit matte")->required();
+    matte->add_option("--cutout", m.cutoutOut, "also write an RGBA cut-out here");
+    matte->add_flag("--hires", m.hires, "the engine's high-resolution pass");
+    matte->add_flag("--full", m.full, "solve the whole picture at full resolution (slow, exact)");
+    matte->add_flag("--map", m.brushMap, "TRIMAP is an engine brush map, not a trimap");
+    matte->add_option("--region", m.region, "compute only this region: X,Y,W,H")
+        ->delimiter(',')
+        ->expected(4)
+        ->each([&](const std::string&) { m.hasRegion = true; });
+    matte->add_option("--cell-mode", m.cellMode, "region job mode (default 1 for regions)");
+    matte->add_option("--merge", m.merge, "merge a region into the map: add or subtract")
+        ->check(CLI::IsMember({"add", "subtract"}));
+
+    DemoOptions d;
+    CLI::App* demo = app.add_subcommand("demo", "matte a generated sample with a known answer");
+    demo->add_option("-o,--output", d.outDir, "directory for the inputs and results");
+    demo->add_option("--size", d.width, "sample width (height is 3/4 of it)")
+        ->check(CLI::Range(64, 8000));
+
+    CLI11_PARSE(app, argc, argv);
+    try {
+        if (*matte) return runMatte(m);
+        d.height = d.width * 3 / 4;
+        return runDemo(d);
+    } catch (const ToolError& e) {
+        std::fprintf(stderr, "keepcut: %s\n", e.what());
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "keepcut: unexpected failure: %s\n", e.what());
+    }
+    return 1;
+}
