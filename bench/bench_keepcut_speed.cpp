@@ -8,32 +8,18 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #include <string>
 
 #include "api/keepcut.h"
+#include "support/peak_memory.h"
 #include "synthetic_sample.h"
 
 namespace {
 
 constexpr unsigned char kTrimapKeep = 255;
 constexpr double kKBPerMB = 1024.0;
-
-long statusKB(const char* field) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    const size_t n = std::strlen(field);
-    while (std::getline(status, line))
-        if (line.compare(0, n, field) == 0) return std::stol(line.substr(n + 1));
-    return -1;
-}
-
-void resetPeak() {
-    std::ofstream clear("/proc/self/clear_refs");
-    clear << "5";
-}
 
 // The request's buffers only; the sample's float planes are dropped so that
 // they do not count towards the peak.
@@ -85,13 +71,13 @@ void run(Buffers& b, const Job& job) {
     }
     const int askedW = r.roiWidth, askedH = r.roiHeight;
     clearErrMsg();
-    const long startKB = statusKB("VmRSS:");
-    resetPeak();
+    const long startKB = procStatusKB("VmRSS:");
+    resetPeakResident();
     const auto t0 = std::chrono::steady_clock::now();
     const int result = rkKeepCutToAlpha(&r, job.hiResPass, false);
     const double seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-    const long peakKB = statusKB("VmHWM:");
+    const long peakKB = procStatusKB("VmHWM:");
     // The case number is the last figure of the strategy's finish text.
     const std::string log = getErrMsg();
     const size_t done = log.rfind("sucessful - ");

@@ -8,17 +8,15 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <cstring>
-#include <fstream>
 #include <memory>
 #include <opencv2/core.hpp>
-#include <string>
 #include <vector>
 
 #include "api/keepcut.h"
 #include "matting/cfmatt.h"
 #include "pipeline/alpha_refine.h"
 #include "pipeline/refine_tiles.h"
+#include "support/peak_memory.h"
 #include "synthetic_sample.h"
 
 namespace {
@@ -28,22 +26,6 @@ constexpr int kWidth = 2000;
 constexpr int kHeight = 1500;
 constexpr unsigned char kTrimapUnknown = 128;
 constexpr double kBytesPerMB = 1024.0 * 1024.0;
-
-// A field of /proc/self/status in kB, or -1.
-long statusKB(const char* field) {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    const size_t n = std::strlen(field);
-    while (std::getline(status, line))
-        if (line.compare(0, n, field) == 0) return std::stol(line.substr(n + 1));
-    return -1;
-}
-
-// Restarts the high-water mark at the current resident size.
-void resetPeak() {
-    std::ofstream clear("/proc/self/clear_refs");
-    clear << "5";
-}
 
 struct Problem {
     cv::Mat red, green, blue, known, alpha0, alpha;
@@ -74,12 +56,12 @@ void measured(benchmark::State& state, Run run) {
     for (auto _ : state) {
         state.PauseTiming();
         p.alpha = p.alpha0.clone();
-        const long startKB = statusKB("VmRSS:");
-        resetPeak();
+        const long startKB = procStatusKB("VmRSS:");
+        resetPeakResident();
         state.ResumeTiming();
         run(p);
         state.PauseTiming();
-        const long peakKB = statusKB("VmHWM:");
+        const long peakKB = procStatusKB("VmHWM:");
         peakMB = std::max(peakMB, peakKB * 1024.0 / kBytesPerMB);
         overMB = std::max(overMB, (peakKB - startKB) * 1024.0 / kBytesPerMB);
         state.ResumeTiming();
