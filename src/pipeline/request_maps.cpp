@@ -103,3 +103,9 @@ ColourPlanes::ColourPlanes(const cv::Mat& picture, const int (&order)[3]) {
     CV_Assert(picture.type() == CV_8UC4);
     for (int i = 0; i < 3; ++i) cv::extractChannel(picture, plane[i], order[i]);
 }
+
+ColourPlaneViews::ColourPlaneViews(ColourPlanes& colours)
+    : first(planeView(colours.plane[0])),
+      second(planeView(colours.plane[1])),
+      third(planeView(colours.plane[2])),
+      planes{&first, &second, &third} {}

@@ -15,6 +15,14 @@ inline constexpr int kErrNotEnoughStrokes = -5;
 inline constexpr unsigned char kKnownPixel = 255;
 // Fewest unknown pixels worth a closed-form solve.
 inline constexpr int kMinUnknownPixels = 3;
+// The linear colour model fits 3 x 3 windows: reduced regions keep at least
+// this many rows and columns.
+inline constexpr int kMinReducedSide = 3;
+// Known rim of a region job at reduced size (pixels), and how near (in
+// full-size pixels) the region must come to the picture's edge for that side
+// of the rim to stay open.
+inline constexpr int kReducedRimThickness = 7;
+inline constexpr int kRimEdgeDistance = 10;
 
 // Views of the request's region on its buffers; foreground is empty when the
 // request has no foreground buffer.
@@ -50,4 +58,13 @@ struct ColourPlanes {
     cv::Mat plane[3];
     ColourPlanes(const cv::Mat& picture, const int (&order)[3]);
     int step() const { return static_cast<int>(plane[0].step); }
+};
+
+// Container views over the three planes, as the solvers take them.
+struct ColourPlaneViews {
+    GIMG<unsigned char> first, second, third;
+    GIMG<unsigned char>* planes[3];
+    explicit ColourPlaneViews(ColourPlanes& colours);
+    ColourPlaneViews(const ColourPlaneViews&) = delete;
+    ColourPlaneViews& operator=(const ColourPlaneViews&) = delete;
 };

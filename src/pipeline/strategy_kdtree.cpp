@@ -23,13 +23,6 @@ constexpr double kAreaPerFactorStep = 251001.0;
 constexpr float kMinFactor = 2.0f;
 // The reduced width never drops below this many columns.
 constexpr int kMinReducedWidth = 501;
-// The coefficient fit needs a 3 x 3 window inside the reduced region.
-constexpr int kMinReducedSide = 3;
-// Rim of a high-resolution region job at reduced size, and how near (in
-// full-size pixels) the region must come to the picture's edge for that side
-// to stay open.
-constexpr int kRimThickness = 7;
-constexpr int kEdgeDistance = 10;
 // Painted keep and cut after the known map's bit widening.
 constexpr unsigned char kWidenedKeep = 255;
 constexpr unsigned char kWidenedCut = 0;
@@ -80,10 +73,6 @@ void solveByTree(unsigned char* known, int knownStep, unsigned char** planes, in
     tree.traverseTree(tree.root.get(), kTreePriorityOrdinary);
 }
 
-GIMG<unsigned char> viewOf(const cv::Mat& m) {
-    return GIMG<unsigned char>(m.cols, m.rows, m.data, static_cast<int>(m.step));
-}
-
 }  // namespace
 
 void computeAlphaKDTreeHiRes(RKPSStructMsk2* request, bool smooth, float sigma) {
@@ -129,11 +118,11 @@ void computeAlphaKDTreeHiRes(RKPSStructMsk2* request, bool smooth, float sigma) 
     logLocation(" computeAlphaKDTreeHiRes - location 3");
     if (r.cellMode != 0) {
         RimSides open;
-        open.left = r.roiX < kEdgeDistance;
-        open.top = r.roiY < kEdgeDistance;
-        open.right = r.roiX + r.roiWidth > r.width - kEdgeDistance;
-        open.bottom = r.roiY + r.roiHeight > r.height - kEdgeDistance;
-        drawKnownRim(smallKnown, kRimThickness, open);
+        open.left = r.roiX < kRimEdgeDistance;
+        open.top = r.roiY < kRimEdgeDistance;
+        open.right = r.roiX + r.roiWidth > r.width - kRimEdgeDistance;
+        open.bottom = r.roiY + r.roiHeight > r.height - kRimEdgeDistance;
+        drawKnownRim(smallKnown, kReducedRimThickness, open);
     }
 
     logLocation(" computeAlphaKDTreeHiRes - location 4a");
@@ -165,12 +154,10 @@ void computeAlphaKDTreePyramid(RKPSStructMsk2* request) {
 
     cv::Mat known;
     knownFromBrushWidening(mask, known);
-    GIMG<unsigned char> p0 = viewOf(colours.plane[0]), p1 = viewOf(colours.plane[1]),
-                        p2 = viewOf(colours.plane[2]);
-    GIMG<unsigned char>* planes[] = {&p0, &p1, &p2};
-    GIMG<unsigned char> knownImg = viewOf(known), maskImg = viewOf(mask);
+    ColourPlaneViews views(colours);
+    GIMG<unsigned char> knownImg = planeView(known), maskImg = planeView(mask);
     CMaskPyr pyramid;
-    pyramid.build(planes, &knownImg, &maskImg, kTreeLevel);
+    pyramid.build(views.planes, &knownImg, &maskImg, kTreeLevel);
 
     GIMG<unsigned char>* halfKnown = pyramid.getConstPtr(kTreeLevel);
     GIMG<unsigned char>* halfAlpha = pyramid.getAlphaPtr(kTreeLevel);

@@ -23,12 +23,6 @@ constexpr double kMinBoundedFactor = 2.0;
 constexpr float kAreaPerFactorFree = 40000.0f;
 constexpr float kMaxFreeFactor = 8.0f;
 constexpr double kNoReductionBelow = 1.1;
-// The coefficient fit needs a 3 x 3 window inside the reduced region.
-constexpr int kMinReducedSide = 3;
-// Rim of a region job at reduced size, and how near (in full-size pixels) the
-// region must come to the picture's edge for that side to stay open.
-constexpr int kRimThickness = 7;
-constexpr int kEdgeDistance = 10;
 // Masks that read 127 at reduced size are no constraint, even on the rim.
 constexpr unsigned char kRimNeutral = 127;
 // Brush values the work box is found around.
@@ -58,11 +52,11 @@ int decimationFactor(int w, int h, float sigma) {
 // right and bottom tests look at the region's left and top coordinates.
 void holdRegionRim(const RKPSStructMsk2& r, cv::Mat& known, cv::Mat& mask) {
     RimSides open;
-    open.left = r.roiX < kEdgeDistance;
-    open.top = r.roiY < kEdgeDistance;
-    open.right = r.roiX > r.width - kEdgeDistance - 1;
-    open.bottom = r.roiY > r.height - kEdgeDistance - 1;
-    drawKnownRim(known, kRimThickness, open);
+    open.left = r.roiX < kRimEdgeDistance;
+    open.top = r.roiY < kRimEdgeDistance;
+    open.right = r.roiX > r.width - kRimEdgeDistance - 1;
+    open.bottom = r.roiY > r.height - kRimEdgeDistance - 1;
+    drawKnownRim(known, kReducedRimThickness, open);
     known.setTo(0, mask == kRimNeutral);
     // Every known pixel counts as painted in the reduced request.
     cv::Mat knownBit;
@@ -102,11 +96,9 @@ int solveAtOwnResolution(RKPSStructMsk2* r, int level) {
     cv::Mat known;
     knownFromBrushWidening(mask, known);
 
-    GIMG<unsigned char> red = planeView(colours.plane[0]), green = planeView(colours.plane[1]),
-                        blue = planeView(colours.plane[2]);
-    GIMG<unsigned char>* planes[] = {&red, &green, &blue};
+    ColourPlaneViews views(colours);
     GIMG<unsigned char> knownImg = planeView(known), maskImg = planeView(mask);
-    rkMapAlphaProc(planes, &knownImg, &maskImg, level, true);
+    rkMapAlphaProc(views.planes, &knownImg, &maskImg, level, true);
 
     // Results are unpainted bytes; painted ones return exactly.
     cv::bitwise_and(mask, cv::Scalar(254), mask);

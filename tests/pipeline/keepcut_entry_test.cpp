@@ -81,7 +81,7 @@ TEST(KeepCutEntry, WholePictureMatteWithinBudget) {
 }
 
 TEST(KeepCutEntry, ResultsAreRepeatable) {
-    KeepCutJob first(kW, kH), second(kW, kH);
+    KeepCutJob first(kW / 2, kH / 2), second(kW / 2, kH / 2);
     ASSERT_EQ(rkKeepCutToAlpha(&first.request, 1, false), 1);
     ASSERT_EQ(rkKeepCutToAlpha(&second.request, 1, false), 1);
     EXPECT_EQ(cv::countNonZero(first.mask != second.mask), 0);
@@ -229,7 +229,7 @@ TEST(KeepCutEntry, RefusesUnusableRequests) {
 
 // Without recovery, the full-resolution strategies leave the foreground alone.
 TEST(KeepCutEntry, RecoverForegroundIsAcceptedAndLeavesForegroundAlone) {
-    KeepCutJob job(kW, kH);
+    KeepCutJob job(kW / 2, kH / 2);
     job.request.recoverForeground = true;
     job.foreground.setTo(cv::Scalar::all(7));
     ASSERT_EQ(rkKeepCutToAlpha(&job.request, 1, false), 1);
