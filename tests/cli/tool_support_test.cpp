@@ -1,0 +1,117 @@
+// The tool's reading, conversion and scoring: clear errors for bad inputs and
+// exact conversions for every picture format it accepts.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <opencv2/imgcodecs.hpp>
+#include <string>
+
+#include "engine_job.h"
+#include "image_io.h"
+#include "matte_metrics.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class ToolFiles : public ::testing::Test {
+  protected:
+    fs::path dir;
+    void SetUp() override {
+        dir = fs::temp_directory_path() /
+              ("keepcut_tool_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::create_directories(dir);
+    }
+    void TearDown() override { fs::remove_all(dir); }
+    std::string path(const char* name) const { return (dir / name).string(); }
+};
+
+std::string errorOf(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const ToolError& e) {
+        return e.what();
+    }
+    return "";
+}
+
+TEST_F(ToolFiles, BadInputsGiveOneLineReasons) {
+    EXPECT_NE(errorOf([&] { loadPicture(path("missing.png")); }).find("picture not found"),
+              std::string::npos);
+    std::ofstream(path("text.png")) << "not an image";
+    EXPECT_NE(errorOf([&] { loadPicture(path("text.png")); }).find("not a readable image"),
+              std::string::npos);
+    cv::imwrite(path("small.png"), cv::Mat(4, 5, CV_8UC1, cv::Scalar(0)));
+    const std::string e = errorOf([&] { loadTrimap(path("small.png"), cv::Size(6, 4)); });
+    EXPECT_NE(e.find("5x4"), std::string::npos) << e;
+    EXPECT_NE(e.find("6x4"), std::string::npos) << e;
+    EXPECT_NE(errorOf([&] {
+                  writeImage(path("no/such/dir/a.png"), cv::Mat(2, 2, CV_8UC1));
+              }).find("cannot write"),
+              std::string::npos);
+}
+
+TEST_F(ToolFiles, EveryPictureFormatBecomesEightBitColour) {
+    cv::Mat grey16(3, 4, CV_16UC1);
+    for (int i = 0; i < 12; ++i) grey16.at<unsigned short>(i / 4, i % 4) = i * 257 * 20;
+    cv::imwrite(path("g16.png"), grey16);
+    const cv::Mat g = loadPicture(path("g16.png"));
+    ASSERT_EQ(g.type(), CV_8UC3);
+    EXPECT_EQ(g.at<cv::Vec3b>(2, 3), cv::Vec3b(220, 220, 220));
+
+    cv::Mat bgra(2, 2, CV_8UC4, cv::Scalar(10, 20, 30, 7));
+    cv::imwrite(path("bgra.png"), bgra);
+    EXPECT_EQ(loadPicture(path("bgra.png")).at<cv::Vec3b>(1, 1), cv::Vec3b(10, 20, 30));
+
+    cv::Mat colourTrimap(2, 2, CV_8UC3, cv::Scalar(128, 128, 128));
+    cv::imwrite(path("tri.png"), colourTrimap);
+    const cv::Mat t = loadTrimap(path("tri.png"), cv::Size(2, 2));
+    EXPECT_EQ(t.type(), CV_8UC1);
+    EXPECT_EQ(t.at<unsigned char>(0, 0), 128);
+}
+
+TEST(ToolConversions, TrimapToBrushMapAndBack) {
+    cv::Mat trimap = (cv::Mat_<unsigned char>(1, 4) << 0, 255, 128, 7);
+    const cv::Mat map = brushMapFromTrimap(trimap);
+    EXPECT_EQ(map.at<unsigned char>(0, 0), RK_MASK_CUT);
+    EXPECT_EQ(map.at<unsigned char>(0, 1), RK_MASK_KEEP);
+    EXPECT_EQ(map.at<unsigned char>(0, 2) & RK_MASK_PAINTED_BIT, 0);  // unpainted
+    EXPECT_EQ(map.at<unsigned char>(0, 3) & RK_MASK_PAINTED_BIT, 0);
+    const cv::Mat matte = matteFromMask(map);
+    EXPECT_EQ(matte.at<unsigned char>(0, 0), 0);  // painted cut reads as 0
+    EXPECT_EQ(matte.at<unsigned char>(0, 1), 255);
+
+    const cv::Mat cut = makeCutout(cv::Mat(1, 1, CV_8UC3, cv::Scalar(1, 2, 3)),
+                                   cv::Mat(1, 1, CV_8UC1, cv::Scalar(9)));
+    EXPECT_EQ(cut.at<cv::Vec4b>(0, 0), cv::Vec4b(1, 2, 3, 9));  // straight, not premultiplied
+}
+
+TEST(ToolConversions, RequestCoversThePicture) {
+    EngineJob job(cv::Mat(5, 7, CV_8UC3, cv::Scalar(1, 2, 3)),
+                  cv::Mat(5, 7, CV_8UC1, cv::Scalar(1)));
+    const RKPSStructMsk2 r = job.request();
+    EXPECT_EQ(r.width, 7);
+    EXPECT_EQ(r.roiWidth, 7);
+    EXPECT_EQ(r.roiHeight, 5);
+    EXPECT_EQ(r.cellMode, 0);
+    EXPECT_GE(r.imageRowBytes, 28);
+    EXPECT_EQ(r.image[2], 3);  // B,G,R,A: red is the third byte
+    EXPECT_NE(r.mask, r.brushInfo);
+}
+
+TEST(MatteScore, SadAndMseOverTheBandOnly) {
+    const cv::Mat alpha = (cv::Mat_<unsigned char>(1, 3) << 255, 0, 51);
+    const cv::Mat truth = (cv::Mat_<float>(1, 3) << 0.0f, 0.0f, 0.0f);
+    const cv::Mat where = (cv::Mat_<unsigned char>(1, 3) << 255, 0, 255);
+    const MatteError e = scoreMatte(alpha, truth, where);
+    EXPECT_EQ(e.pixels, 2);
+    EXPECT_NEAR(e.sad, 1.2 / 1000.0, 1e-12);
+    EXPECT_NEAR(e.mse, (1.0 + 0.04) / 2, 1e-12);
+    const cv::Mat band = unknownBand((cv::Mat_<unsigned char>(1, 3) << 0, 128, 255));
+    EXPECT_EQ(cv::countNonZero(band), 1);
+}
+
+}  // namespace
