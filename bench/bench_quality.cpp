@@ -109,6 +109,7 @@ int main(int argc, char** argv) {
                 sum[k].seconds += s[k].seconds;
             }
             std::printf("\n");
+            std::fflush(stdout);  // one line per picture, visible as it goes
             csv << '\n';
             ++n;
         }
