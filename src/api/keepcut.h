@@ -142,6 +142,45 @@ KC_EXPORT int rkMaskBBox(int is16Bit, const void* map, int step, int width, int 
                          int* w, int* y, int* h, int* countA, int* countB, int ignored, int valueA,
                          int valueB);
 
+/* Computes the alpha of the request's region into `mask` (the main entry).
+
+   In: the picture, the brush map in `mask` (codes above) and, for
+   whole-picture jobs (cellMode 0), the same painted map in `brushInfo`, which
+   the host keeps filled. Region jobs copy the whole mask into `brushInfo`
+   themselves. `foreground` may be null unless recoverForeground is set.
+   hiResPass 1 asks for the full-resolution pass, any other value allows the
+   coarser strategies. progressReady is false when the host calls: the entry
+   then restarts progress reporting with progProc/progData; true rebinds only
+   the callback (for callers whose tiling loop set progress up already).
+
+   Out: every painted (odd) byte of the region holds exactly what was painted
+   and every other byte a computed alpha with bit 0 cleared. A region narrower
+   or lower than 1500 pixels is first widened for context: the request's region
+   fields hold the widened region afterwards (calling twice widens twice).
+   Region jobs then merge the result with the earlier map by mergeMode (0
+   minimum, 1 maximum, else as computed). The coarse-pass KD-tree strategies
+   (whole pictures, and regions of 968 x 968 pixels or more) copy the picture's
+   pixel into a given `foreground` where the map is painted keep or cut;
+   recoverForeground is accepted, but foreground colour recovery is not yet
+   available and leaves `foreground` otherwise untouched.
+
+   Results: 1 on success; -2 (with a log line, nothing touched) for a null
+   request, image, mask or brushInfo (or foreground when recoverForeground is
+   set), a negative size, rows shorter than the width, or an empty region or
+   one outside the picture; -5 when a whole-picture job lacks keep or cut
+   strokes; -1 when one KD-tree cell would outgrow a solve; -6 with
+   "Out of System Memory !! ..." in the log when memory ran out or anything
+   else failed. On every failure after the checks the painted bytes are back
+   in `mask`; other bytes hold whatever the failed computation left. */
+KC_EXPORT int rkKeepCutToAlpha(RKPSStructMsk2* request, int hiResPass, bool progressReady);
+
+/* Over the request's region: where `brushInfo` is odd (painted), `mask` takes
+   that byte; elsewhere `mask` keeps its value with bit 0 cleared. Returns 1;
+   -2 (with a log line) for a null request, mask or brushInfo, a negative size,
+   rows shorter than the width, or an empty region or one outside the
+   picture. */
+KC_EXPORT int recoverBrushInfo(RKPSStructMsk2* request);
+
 KC_EXTERN_C_END
 
 #endif /* KEEPCUT_H */
