@@ -190,7 +190,8 @@ KC_EXPORT int recoverBrushInfo(RKPSStructMsk2* request);
    whole-picture jobs, cellJob false; for region jobs full scale up to 200,000
    picture pixels, 33% below 4 M, 20% above), enlarged, and given back the
    picture's fine detail where the mask is fractional (11..249). Where the
-   mask is 250 or more, or 5 or less, the new colour is the picture's own.
+   mask is 250 or more, or 5 or less, or `brushInfo` (read when not null) is
+   painted keep (255) or cut (1), the new colour is the picture's own.
    The new colours are feathered into the old content of `foreground`: full
    weight at the region's centre, none at its rim, so a host should fill
    `foreground` (for instance with the picture) before the first call.

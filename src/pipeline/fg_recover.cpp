@@ -8,6 +8,7 @@
 #include "core/ippi_resize.h"
 #include "matting/cfmatt.h"
 #include "pipeline/fg_extract.h"
+#include "pipeline/mask_codes.h"
 #include "pipeline/weight_tables.h"
 
 namespace {
@@ -104,6 +105,12 @@ void recoverForegroundRegion(const RKPSStructMsk2& r, const cv::Rect& region, fl
                                    static_cast<long long>(region.x) * kPixelBytes;
         const unsigned char* mask =
             r.mask + static_cast<long long>(region.y + y) * r.maskRowBytes + region.x;
+        // During a compute request the mask holds fresh alpha everywhere; the
+        // painted strokes are in brushInfo until they are restored.
+        const unsigned char* painted =
+            r.brushInfo ? r.brushInfo + static_cast<long long>(region.y + y) * r.brushInfoRowBytes +
+                              region.x
+                        : nullptr;
         unsigned char* out = r.foreground +
                              static_cast<long long>(region.y + y) * r.foregroundRowBytes +
                              static_cast<long long>(region.x) * kPixelBytes;
@@ -114,7 +121,9 @@ void recoverForegroundRegion(const RKPSStructMsk2& r, const cv::Rect& region, fl
             const int m = mask[x];
             const int p = x * kPixelBytes;
             unsigned char nv[kColours];
-            if (m >= kFgPictureFrom || m <= kFgPictureUpTo) {
+            const bool paintedWhole =
+                painted && (painted[x] == kMaskKeep || painted[x] == kMaskCut);
+            if (paintedWhole || m >= kFgPictureFrom || m <= kFgPictureUpTo) {
                 for (int c = 0; c < kColours; ++c) nv[c] = pic[p + c];
             } else {
                 const bool detailed = m > kDetailAbove && m < kDetailBelow;

@@ -18,7 +18,9 @@ float fgRecoverScale(int width, int height, bool cellJob);
 using ReducedExtraction = std::function<void(
     const cv::Mat& reducedPicture, const cv::Mat& reducedMask, cv::Mat& reducedForeground)>;
 
-// The whole recovery of region at scale s. With feather set, the new colours
+// The whole recovery of region at scale s. Where the mask is whole (see
+// kFgPictureFrom) or brushInfo, when given, is painted keep or cut, the new
+// colour is the picture's own. With feather set, the new colours
 // are blended into the old ones with the 13 x 13 blending window enlarged over
 // the region; otherwise they replace them. Only the three colour bytes of the
 // foreground are written.
