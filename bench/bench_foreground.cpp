@@ -160,9 +160,8 @@ void sampleQuality() {
         printRow(name, foregroundErrors(b.foreground, s), naive, seconds(t0));
     };
     const cv::Rect all(0, 0, kSampleW, kSampleH);
-    run("true alpha, tiled extraction, full scale", trueMask, [&](Buffers& b) {
-        recoverForegroundRegion(b.r, all, 1.0f, false, extractAll);
-    });
+    run("true alpha, tiled extraction, full scale", trueMask,
+        [&](Buffers& b) { recoverForegroundRegion(b.r, all, 1.0f, false, extractAll); });
     run("true alpha, region entry (scale 0.33)", trueMask,
         [](Buffers& b) { rkRecoverForegroundCell(&b.r, true); });
     run("true alpha, whole-picture (0.18, feathered)", trueMask,
@@ -248,9 +247,9 @@ void alphamattingQuality(bool all) {
                 if (av == 0 || av == 255) continue;
                 const double a = av / 255.0;
                 for (int c = 0; c < 3; ++c)
-                    err.push_back(static_cast<float>(
-                        std::fabs(a * fg.at<cv::Vec3b>(y, x)[c] + (1 - a) * bg.at<cv::Vec3b>(y, x)[c] -
-                                  bgr.at<cv::Vec3b>(y, x)[c])));
+                    err.push_back(static_cast<float>(std::fabs(a * fg.at<cv::Vec3b>(y, x)[c] +
+                                                               (1 - a) * bg.at<cv::Vec3b>(y, x)[c] -
+                                                               bgr.at<cv::Vec3b>(y, x)[c])));
             }
         if (err.empty()) continue;
         double mean = 0;
