@@ -160,9 +160,9 @@ KC_EXPORT int rkMaskBBox(int is16Bit, const void* map, int step, int width, int 
    Region jobs then merge the result with the earlier map by mergeMode (0
    minimum, 1 maximum, else as computed). The coarse-pass KD-tree strategies
    (whole pictures, and regions of 968 x 968 pixels or more) copy the picture's
-   pixel into a given `foreground` where the map is painted keep or cut;
-   recoverForeground is accepted, but foreground colour recovery is not yet
-   available and leaves `foreground` otherwise untouched.
+   pixel into a given `foreground` where the map is painted keep or cut. With
+   recoverForeground set, the foreground colours of the region are then
+   recovered into `foreground` (see rkRecoverForegroundCell).
 
    Results: 1 on success; -2 (with a log line, nothing touched) for a null
    request, image, mask or brushInfo (or foreground when recoverForeground is
@@ -180,6 +180,36 @@ KC_EXPORT int rkKeepCutToAlpha(RKPSStructMsk2* request, int hiResPass, bool prog
    rows shorter than the width, or an empty region or one outside the
    picture. */
 KC_EXPORT int recoverBrushInfo(RKPSStructMsk2* request);
+
+/* ---- foreground recovery ------------------------------------------------- */
+
+/* Recovers the true foreground colour of the request's region (roiX, roiY,
+   roiWidth, roiHeight) from the picture and the alpha in `mask` into
+   `foreground` (same layout as `image`; only the three colour bytes are
+   written). Colours are estimated on a reduced copy of the region (18% for
+   whole-picture jobs, cellJob false; for region jobs full scale up to 200,000
+   picture pixels, 33% below 4 M, 20% above), enlarged, and given back the
+   picture's fine detail where the mask is fractional (11..249). Where the
+   mask is 250 or more, or 5 or less, or `brushInfo` (read when not null) is
+   painted keep (255) or cut (1), the new colour is the picture's own.
+   The new colours are feathered into the old content of `foreground`: full
+   weight at the region's centre, none at its rim, so a host should fill
+   `foreground` (for instance with the picture) before the first call.
+   Returns 1; -2 (with a log line) for a null request, image, mask or
+   foreground, a negative size, rows shorter than the width, or an empty
+   region or one outside the picture; -6 when memory ran out. */
+KC_EXPORT int rkRecoverForegroundCell(RKPSStructMsk2* request, bool cellJob);
+
+/* Computes alpha and recovers the foreground over the whole picture in tiles
+   of 130 x 130 at a stride of 100: every tile with mask bytes strictly
+   between 5 and 250 runs as a region job (rkKeepCutToAlpha with cellMode 4
+   and recoverForeground set, merged into `mask` by mergeMode); other tiles
+   only advance the progress. The request's own region and `brushInfo` are
+   neither read nor changed (a private copy of the map serves as brushInfo).
+   Returns 1 (a tile's failure is in the log, and the pass goes on); -2 (with
+   a log line) for a null request, image, mask or foreground, a negative size
+   or rows shorter than the width. */
+KC_EXPORT int rkRecoverDuringComputeOnly(RKPSStructMsk2* request);
 
 KC_EXTERN_C_END
 

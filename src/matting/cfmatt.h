@@ -81,6 +81,14 @@ class CFMatt {
                   GIMG<unsigned char>& map, GIMG<unsigned char>& alpha);
     void SharpenAlpha(GIMG<unsigned char>& alpha);
 
+    // ---- colour layers ----
+    // Estimates the foreground (or, with background set, the background)
+    // colour of every pixel of one tile from its three colour planes and its
+    // alpha, and leaves it in the planes. Where alpha shows only that layer
+    // the picture is kept exactly. 1 when solved; kMattNothingToSolve when no
+    // alpha is fractional (the planes are left as they are).
+    int CompFBExtract(GIMG<unsigned char>** planes, bool background, GIMG<unsigned char>* alpha);
+
   private:
     // Triplets already sorted by (row, column) with duplicates merged, as the
     // direct accumulation of the solve path leaves them.

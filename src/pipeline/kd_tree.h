@@ -86,6 +86,9 @@ class KDTree {
     void checkMemoryUsage(Node* node);
     // Solves every leaf of the given priority, left subtree first.
     void traverseTree(Node* node, TreePriority priority);
+    // Extracts the foreground colours of every leaf of the given priority into
+    // the foreground buffer, the alpha map serving as alpha, left subtree first.
+    void traverseTreeFBRecovery(Node* node, TreePriority priority);
     // Frees everything below node, children before parents; node itself is
     // freed by the pointer that owns it (the destructor drops the root).
     void destroyTree(Node* node);

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "pipeline/brush_info.h"
+#include "pipeline/fg_recover.h"
 #include "pipeline/keepcut_case.h"
 #include "pipeline/keepcut_request_check.h"
 #include "pipeline/region_widen.h"
@@ -104,8 +105,10 @@ int computeRegion(RKPSStructMsk2* request, int hiResPass) {
     runStrategy(chosen, request);
     copyErrMsg(texts.done);
 
-    // Foreground recovery (recoverForeground) plugs in here, before the
-    // painted bytes return; until it exists the foreground buffer is left alone.
+    // Foreground colours are recovered from the new alpha before the painted
+    // bytes return; a failure propagates to the entry's handler like the
+    // strategy's own.
+    if (r.recoverForeground) recoverForegroundCell(request, regionJob);
 
     recoverBrushInfo(request);
     if (regionJob) mergeWithBrush(maskRegion, brushRegion, r.mergeMode);

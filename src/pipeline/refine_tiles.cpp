@@ -6,10 +6,6 @@
 
 namespace {
 
-// Tiles are this much larger than an even share of the map, so that
-// neighbours overlap by about a tenth of a tile.
-constexpr double kTileGrowth = 1.1;
-constexpr double kOverlapShare = 0.1;
 // Rounds the tile count up once the map is three quarters of a tile over.
 constexpr double kCountRounding = 0.75;
 // Below this side the stride could reach 0 and the visit would never end.
@@ -19,11 +15,11 @@ struct Axis {
     int count, tile, stride;
 };
 
-Axis axisLayout(int size, int side) {
-    int count = static_cast<int>(size / (side / kTileGrowth) + kCountRounding);
+Axis axisLayout(int size, int side, double growth, double overlapShare) {
+    int count = static_cast<int>(size / (side / growth) + kCountRounding);
     count = std::max(count, 1);
-    int tile = static_cast<int>(size * kTileGrowth / count);
-    int stride = size / count - static_cast<int>(tile * kOverlapShare / count);
+    int tile = static_cast<int>(size * growth / count);
+    int stride = size / count - static_cast<int>(tile * overlapShare / count);
     if (size <= side || size <= tile) {
         count = 1;
         tile = size;
@@ -40,12 +36,12 @@ int refineTileSide(int usableMemMB) {
     return std::min(side, kRefineMaxTileSide);
 }
 
-RefineTiling refineTiling(int width, int height, int side) {
+RefineTiling refineTiling(int width, int height, int side, double growth, double overlapShare) {
     RefineTiling t;
     if (width <= 0 || height <= 0) return t;
     side = std::max(side, kMinSide);
-    const Axis ax = axisLayout(width, side);
-    const Axis ay = axisLayout(height, side);
+    const Axis ax = axisLayout(width, side, growth, overlapShare);
+    const Axis ay = axisLayout(height, side, growth, overlapShare);
     t.tileW = ax.tile;
     t.tileH = ay.tile;
     t.strideX = ax.stride;

@@ -32,6 +32,12 @@ struct RefineTiling {
     std::vector<RefineTile> tiles;  // in visiting order: rows of tiles, top to bottom
 };
 
+// How much larger than an even share of the map each tile is (growth) and the
+// share of a tile by which neighbours overlap: refinement's 10%.
+inline constexpr double kRefineTileGrowth = 1.1;
+inline constexpr double kRefineOverlapShare = 0.1;
+
 // Tiles over a width x height map for the given side (at least 2). An empty map
-// gets no tiles.
-RefineTiling refineTiling(int width, int height, int side);
+// gets no tiles. Other layouts pass their own growth and overlap share.
+RefineTiling refineTiling(int width, int height, int side, double growth = kRefineTileGrowth,
+                          double overlapShare = kRefineOverlapShare);
