@@ -34,7 +34,7 @@
 #include "pipeline/fg_extract.h"
 #include "pipeline/fg_recover.h"
 #include "pipeline/fg_recover_tiles.h"
-#include "support/proc_status.h"
+#include "support/peak_memory.h"
 #include "synthetic_sample.h"
 
 namespace {
@@ -269,12 +269,12 @@ void speed(int w, int h) {
     for (int recover = 0; recover < 2; ++recover) {
         Buffers b(s.picture, mask);
         b.r.recoverForeground = recover != 0;
-        const long startKB = procStatusKB("VmRSS:");
-        resetPeakResident();
+        const double startMB = residentMB();
+        resetPeakMemory();
         const auto t0 = std::chrono::steady_clock::now();
         const int result = rkKeepCutToAlpha(&b.r, 0, false);
         secs[recover] = seconds(t0);
-        peakMB[recover] = (procStatusKB("VmHWM:") - startKB) / 1024.0;
+        peakMB[recover] = ::peakMB() - startMB;
         std::printf("%-28s result %d  %8.2f s  peak over start %8.1f MB\n",
                     recover ? "with recoverForeground" : "without", result, secs[recover],
                     peakMB[recover]);

@@ -158,8 +158,14 @@ void extractAllTiles(const cv::Mat& pic, const cv::Mat& mask, cv::Mat& fg) {
 
 int recoverForegroundCell(RKPSStructMsk2* request, bool cellJob) {
     const cv::Rect region(request->roiX, request->roiY, request->roiWidth, request->roiHeight);
+    // Region jobs feather the new colours into the old ones with the blending
+    // window enlarged over the region, so a stroke's widened region joins what
+    // earlier strokes recovered. A whole-picture job has nothing earlier to
+    // join: there the window is enlarged without bound (weight 1 everywhere),
+    // since fading it to the rim would throw away the recovery of every soft
+    // edge near the picture's border.
     recoverForegroundRegion(*request, region,
-                            fgRecoverScale(request->width, request->height, cellJob), true,
+                            fgRecoverScale(request->width, request->height, cellJob), cellJob,
                             extractAllTiles);
     return 1;
 }

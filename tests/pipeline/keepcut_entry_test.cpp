@@ -228,14 +228,6 @@ TEST(KeepCutEntry, RefusesUnusableRequests) {
 }
 
 // Without recovery, the full-resolution strategies leave the foreground alone.
-TEST(KeepCutEntry, RecoverForegroundIsAcceptedAndLeavesForegroundAlone) {
-    KeepCutJob job(kW / 2, kH / 2);
-    job.request.recoverForeground = true;
-    job.foreground.setTo(cv::Scalar::all(7));
-    ASSERT_EQ(rkKeepCutToAlpha(&job.request, 1, false), 1);
-    EXPECT_EQ(cv::countNonZero(job.foreground.reshape(1) != 7), 0);
-}
-
 TEST(RecoverBrushInfo, RestoresPaintedBytesOverTheRegionOnly) {
     KeepCutJob job(40, 30);
     job.mask.setTo(77);  // odd everywhere: painted bytes must come back, others lose bit 0
