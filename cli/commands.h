@@ -9,9 +9,10 @@ struct MatteOptions {
     std::string trimap;
     std::string alphaOut;
     std::string cutoutOut;
-    bool hires = false;     // the main entry's high-resolution pass
-    bool full = false;      // one full-resolution solve instead of the main entry
-    bool brushMap = false;  // TRIMAP is already an engine brush map
+    std::string foregroundOut;  // recovered foreground colours
+    bool hires = false;         // the main entry's high-resolution pass
+    bool full = false;          // one full-resolution solve instead of the main entry
+    bool brushMap = false;      // TRIMAP is already an engine brush map
     bool hasRegion = false;
     std::array<int, 4> region{};  // x, y, w, h
     int cellMode = -1;            // -1: 0 for whole pictures, 1 for regions

@@ -31,6 +31,12 @@ RKPSStructMsk2 EngineJob::request() {
     return r;
 }
 
+cv::Mat EngineJob::foregroundBgr() const {
+    cv::Mat bgr;
+    cv::cvtColor(foreground, bgr, cv::COLOR_BGRA2BGR);
+    return bgr;
+}
+
 cv::Mat brushMapFromTrimap(const cv::Mat& trimap) {
     cv::Mat map(trimap.size(), CV_8UC1, cv::Scalar(kBandStart));
     map.setTo(RK_MASK_CUT, trimap == 0);

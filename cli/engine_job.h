@@ -16,6 +16,9 @@ struct EngineJob {
 
     // A whole-picture request over these buffers; the region is the picture.
     RKPSStructMsk2 request();
+
+    // The foreground buffer as B,G,R.
+    cv::Mat foregroundBgr() const;
 };
 
 // Engine brush map from a trimap: 0 -> painted cut, 255 -> painted keep,

@@ -86,3 +86,14 @@ cv::Mat makeCutout(const cv::Mat& colours, const cv::Mat& alpha) {
     cv::merge(ch, out);
     return out;
 }
+
+cv::Mat compositeOver(const cv::Mat& colours, const cv::Mat& alpha, const cv::Scalar& background) {
+    cv::Mat a, a3, fg;
+    alpha.convertTo(a, CV_32F, 1.0 / 255.0);
+    cv::merge(std::vector<cv::Mat>{a, a, a}, a3);
+    colours.convertTo(fg, CV_32FC3);
+    const cv::Mat bg(colours.size(), CV_32FC3, background);
+    cv::Mat out;
+    cv::Mat(fg.mul(a3) + bg.mul(cv::Scalar::all(1.0) - a3)).convertTo(out, CV_8UC3);
+    return out;
+}

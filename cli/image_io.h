@@ -24,3 +24,6 @@ void writeImage(const std::string& path, const cv::Mat& image);
 
 // Straight (not premultiplied) B,G,R,A cut-out from colours and an 8-bit matte.
 cv::Mat makeCutout(const cv::Mat& colours, const cv::Mat& alpha);
+
+// colours composited with an 8-bit matte over a plain B,G,R background.
+cv::Mat compositeOver(const cv::Mat& colours, const cv::Mat& alpha, const cv::Scalar& background);

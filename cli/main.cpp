@@ -15,13 +15,15 @@ int main(int argc, char** argv) {
     matte->add_option("TRIMAP", m.trimap, "trimap: 0 cut, 255 keep, anything else unknown")
         ->required();
     matte->add_option("-o,--output", m.alphaOut, "where to write the 8-bit matte")->required();
-    matte->add_option("--cutout", m.cutoutOut, "also write an RGBA cut-out here");
+    matte->add_option("--cutout", m.cutoutOut,
+                      "also write an RGBA cut-out (recovered colours, straight alpha) here");
+    matte->add_option("--foreground", m.foregroundOut,
+                      "also write the recovered foreground colours here");
     matte->add_flag("--hires", m.hires, "the engine's high-resolution pass");
     matte->add_flag("--full", m.full, "solve the whole picture at full resolution (slow, exact)");
     matte->add_flag("--map", m.brushMap, "TRIMAP is an engine brush map, not a trimap");
     matte->add_option("--region", m.region, "compute only this region: X,Y,W,H")
         ->delimiter(',')
-        ->expected(4)
         ->each([&](const std::string&) { m.hasRegion = true; });
     matte->add_option("--cell-mode", m.cellMode, "region job mode (default 1 for regions)");
     matte->add_option("--merge", m.merge, "merge a region into the map: add or subtract")

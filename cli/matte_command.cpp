@@ -29,6 +29,7 @@ void runEngine(const MatteOptions& o, EngineJob& job) {
     r.cellMode = o.cellMode >= 0 ? o.cellMode : (o.hasRegion ? 1 : 0);
     // 2 leaves the computed region as it is.
     r.mergeMode = o.merge == "add" ? 1 : o.merge == "subtract" ? 0 : 2;
+    r.recoverForeground = !o.cutoutOut.empty() || !o.foregroundOut.empty();
     r.progProc = drawProgressBar;
     r.progData = &job;
     clearErrMsg();
@@ -40,6 +41,21 @@ void runEngine(const MatteOptions& o, EngineJob& job) {
     }
 }
 
+// Recovers foreground colours for a matte that the full solve produced, as a
+// whole-picture job over a map that holds the matte and the painted trimap.
+void recoverAfterFullSolve(const cv::Mat& trimap, const cv::Mat& alpha, EngineJob& job) {
+    const cv::Mat painted = brushMapFromTrimap(trimap);
+    job.mask = alpha & cv::Scalar(0xFE);  // computed alpha is even
+    painted.copyTo(job.mask, (trimap == 0) | (trimap == 255));
+    RKPSStructMsk2 r = job.request();
+    clearErrMsg();
+    const int rc = rkRecoverForegroundCell(&r, false);
+    if (rc != 1) {
+        std::fprintf(stderr, "%s\n", getErrMsg());
+        throw ToolError("foreground recovery failed with code " + std::to_string(rc));
+    }
+}
+
 }  // namespace
 
 int runMatte(const MatteOptions& o) {
@@ -47,14 +63,16 @@ int runMatte(const MatteOptions& o) {
     const cv::Mat trimap = loadTrimap(o.trimap, picture.size());
     if (o.hasRegion) checkRegion(o, picture);
 
+    const bool wantColours = !o.cutoutOut.empty() || !o.foregroundOut.empty();
     const auto start = std::chrono::steady_clock::now();
+    EngineJob job(picture, o.brushMap ? trimap : brushMapFromTrimap(trimap));
     cv::Mat alpha;
     if (o.full) {
         if (o.brushMap || o.hasRegion)
             throw ToolError("--full takes a trimap of the whole picture");
         alpha = solveFullResolution(picture, trimap);
+        if (wantColours) recoverAfterFullSolve(trimap, alpha, job);
     } else {
-        EngineJob job(picture, o.brushMap ? trimap : brushMapFromTrimap(trimap));
         runEngine(o, job);
         alpha = matteFromMask(job.mask);
     }
@@ -62,7 +80,8 @@ int runMatte(const MatteOptions& o) {
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 
     writeImage(o.alphaOut, alpha);
-    if (!o.cutoutOut.empty()) writeImage(o.cutoutOut, makeCutout(picture, alpha));
+    if (!o.cutoutOut.empty()) writeImage(o.cutoutOut, makeCutout(job.foregroundBgr(), alpha));
+    if (!o.foregroundOut.empty()) writeImage(o.foregroundOut, job.foregroundBgr());
     std::printf("matte %dx%d in %.2f s -> %s\n", picture.cols, picture.rows, seconds,
                 o.alphaOut.c_str());
     return 0;

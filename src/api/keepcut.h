@@ -192,9 +192,10 @@ KC_EXPORT int recoverBrushInfo(RKPSStructMsk2* request);
    picture's fine detail where the mask is fractional (11..249). Where the
    mask is 250 or more, or 5 or less, or `brushInfo` (read when not null) is
    painted keep (255) or cut (1), the new colour is the picture's own.
-   The new colours are feathered into the old content of `foreground`: full
-   weight at the region's centre, none at its rim, so a host should fill
-   `foreground` (for instance with the picture) before the first call.
+   For region jobs (cellJob true) the new colours are feathered into the old
+   content of `foreground`: full weight at the region's centre, none at its
+   rim, so a host should fill `foreground` (for instance with the picture)
+   before the first call. Whole-picture jobs replace the region's colours.
    Returns 1; -2 (with a log line) for a null request, image, mask or
    foreground, a negative size, rows shorter than the width, or an empty
    region or one outside the picture; -6 when memory ran out. */
