@@ -19,17 +19,24 @@
 #include "matting/direct_solver.h"
 
 #include <cholmod.h>
+#include <dlfcn.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <vector>
 
 #include "matting/direct_solver_stats.h"
 #include "runtime/progress.h"
+
+extern "C" void openblas_set_num_threads(int threads);
+extern "C" int openblas_get_num_threads();
 
 namespace {
 
@@ -39,6 +46,64 @@ constexpr double kPivotPerturbation = 1e-8;
 
 DirectSolveTimes g_lastTimes;
 DirectSolveTuning g_tuning;
+
+// ---- the library's allocator ------------------------------------------------
+// The factor and its workspaces are fresh blocks of hundreds of megabytes whose
+// every page is touched once; at 4 KB a page the first-touch faults took a
+// quarter of the factorisation (more on a virtual machine). Large blocks are
+// therefore advised to use 2 MB pages where the system allows it on request.
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+// Below this, the few faults saved do not pay for the extra system call.
+constexpr std::size_t kAdviseFrom = 4 * kHugePage;
+
+void* adviseHugePages(void* p, std::size_t n) {
+    if (!p || n < kAdviseFrom || !g_tuning.hugePages) return p;
+    const auto first = (reinterpret_cast<std::uintptr_t>(p) + kHugePage - 1) & ~(kHugePage - 1);
+    const auto end = (reinterpret_cast<std::uintptr_t>(p) + n) & ~(kHugePage - 1);
+    // Advice only: where it is refused, the block stays on ordinary pages.
+    if (end > first) madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+    return p;
+}
+
+// ---- threads ------------------------------------------------------------------
+// The factorisation's own loops (zeroing and assembling supernodes) run on
+// OpenMP teams of a fixed four threads. On two shared cores those teams cost
+// more in wake-ups and spinning than they save. The runtime honours a cap on
+// team sizes only with dynamic adjustment on, so both are set for the solve
+// and the caller's settings restored afterwards. The runtime arrives with the
+// factorisation library, hence the lookup by name.
+class LoopThreadCap {
+  public:
+    explicit LoopThreadCap(int threads) {
+        setDynamic_ = reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "omp_set_dynamic"));
+        setThreads_ =
+            reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "omp_set_num_threads"));
+        auto getDynamic = reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "omp_get_dynamic"));
+        auto getThreads =
+            reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "omp_get_max_threads"));
+        if (!setDynamic_ || !setThreads_ || !getDynamic || !getThreads || threads < 1) {
+            setDynamic_ = nullptr;
+            return;
+        }
+        dynamic_ = getDynamic();
+        threads_ = getThreads();
+        setDynamic_(1);
+        setThreads_(threads);
+    }
+    ~LoopThreadCap() {
+        if (!setDynamic_) return;
+        setDynamic_(dynamic_);
+        setThreads_(threads_);
+    }
+    LoopThreadCap(const LoopThreadCap&) = delete;
+    LoopThreadCap& operator=(const LoopThreadCap&) = delete;
+
+  private:
+    void (*setDynamic_)(int) = nullptr;
+    void (*setThreads_)(int) = nullptr;
+    int dynamic_ = 0;
+    int threads_ = 1;
+};
 
 // ---- allocation failure hook for tests ------------------------------------
 std::atomic<int> g_allocsBeforeFailure{-1};
@@ -57,14 +122,25 @@ bool injectAllocFailure() {
     g_allocsBeforeFailure = -1;
     return false;
 }
-void* hookedMalloc(size_t n) {
-    return injectAllocFailure() ? nullptr : std::malloc(n);
+void* solverMalloc(size_t n) {
+    return injectAllocFailure() ? nullptr : adviseHugePages(std::malloc(n), n);
 }
-void* hookedCalloc(size_t n, size_t s) {
-    return injectAllocFailure() ? nullptr : std::calloc(n, s);
+void* solverCalloc(size_t n, size_t s) {
+    // calloc's own overflow check refuses n * s beyond size_t.
+    return injectAllocFailure() ? nullptr : adviseHugePages(std::calloc(n, s), n * s);
 }
-void* hookedRealloc(void* p, size_t n) {
-    return injectAllocFailure() ? nullptr : std::realloc(p, n);
+void* solverRealloc(void* p, size_t n) {
+    return injectAllocFailure() ? nullptr : adviseHugePages(std::realloc(p, n), n);
+}
+
+void installSolverAllocator() {
+    static const bool installed = [] {
+        SuiteSparse_config.malloc_func = solverMalloc;
+        SuiteSparse_config.calloc_func = solverCalloc;
+        SuiteSparse_config.realloc_func = solverRealloc;
+        return true;
+    }();
+    (void)installed;
 }
 
 // ---- owners of the library's objects ---------------------------------------
@@ -72,6 +148,7 @@ class CholmodCommon {
   public:
     cholmod_common c;
     CholmodCommon() {
+        installSolverAllocator();
         cholmod_start(&c);
         // The engine never writes to a console; failures travel as codes.
         c.print = 0;
@@ -157,6 +234,28 @@ bool allFinite(const cholmod_dense* d) {
 
 enum class Outcome { Solved, OutOfMemory };
 
+// The orderings the analysis tries (it keeps the one with the smallest factor).
+void chooseOrderings(cholmod_common* c, const int*& perm) {
+    const DirectOrdering o = g_tuning.ordering;
+    if (o == DirectOrdering::MinDegree || o == DirectOrdering::LibraryDefault ||
+        o == DirectOrdering::GraphPartition)
+        perm = nullptr;
+    c->nmethods = 0;
+    if (o == DirectOrdering::LibraryDefault) return;
+    if (perm) c->method[c->nmethods++].ordering = CHOLMOD_GIVEN;
+    if (perm && o == DirectOrdering::GivenOnly) return;
+    const bool partition =
+        o == DirectOrdering::GraphPartition || o == DirectOrdering::GivenOrGraphPartition;
+    c->method[c->nmethods++].ordering = partition ? CHOLMOD_METIS : CHOLMOD_AMD;
+}
+
+void applyRelaxation(cholmod_common* c) {
+    for (int k = 0; k < 3; ++k) {
+        if (g_tuning.nrelax[k] > 0) c->nrelax[k] = static_cast<size_t>(g_tuning.nrelax[k]);
+        if (g_tuning.zrelax[k] > 0.0) c->zrelax[k] = g_tuning.zrelax[k];
+    }
+}
+
 // The three phases; the solution goes over b. Throws 121/122/123.
 template <typename Real>
 Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, int nrhs, int mtype,
@@ -166,6 +265,7 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
     if (mtype != kMtypeSymIndefinite && mtype != kMtypeSymPosDef) throw kErrSolverAnalysis;
     if (!upperCsrValid(n, ia, ja)) throw kErrSolverAnalysis;
 
+    const LoopThreadCap loopThreads(g_tuning.loopThreads > 0 ? g_tuning.loopThreads : 1);
     CholmodCommon cc;
     cholmod_common* c = &cc.c;
     // Phase 1: analysis.
@@ -175,22 +275,8 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
         if (cc.outOfMemory()) return Outcome::OutOfMemory;
         throw kErrSolverAnalysis;
     }
-    if (g_tuning.ordering == DirectOrdering::MinDegree ||
-        g_tuning.ordering == DirectOrdering::LibraryDefault)
-        perm = nullptr;
-    if (g_tuning.ordering == DirectOrdering::LibraryDefault) {
-        c->nmethods = 0;
-    } else if (perm && g_tuning.ordering == DirectOrdering::GivenOnly) {
-        c->nmethods = 1;
-        c->method[0].ordering = CHOLMOD_GIVEN;
-    } else if (perm) {
-        c->nmethods = 2;
-        c->method[0].ordering = CHOLMOD_GIVEN;
-        c->method[1].ordering = CHOLMOD_AMD;
-    } else {
-        c->nmethods = 1;
-        c->method[0].ordering = CHOLMOD_AMD;
-    }
+    chooseOrderings(c, perm);
+    applyRelaxation(c);
     FactorPtr L(cholmod_analyze_p(A.get(), const_cast<int*>(perm), nullptr, 0, c), FactorDel{c});
     if (!L) {
         if (cc.outOfMemory()) return Outcome::OutOfMemory;
@@ -260,7 +346,9 @@ const DirectSolveTimes& lastDirectSolveTimes() {
     return g_lastTimes;
 }
 void setDirectSolveTuning(const DirectSolveTuning& t) {
+    static const int initialBlasThreads = openblas_get_num_threads();
     g_tuning = t;
+    openblas_set_num_threads(t.blasThreads > 0 ? t.blasThreads : initialBlasThreads);
 }
 
 int pardisoSolverIC(int n, float* a, int* ia, int* ja, float* b, float* /*x*/, int nrhs, int mtype,
@@ -284,9 +372,7 @@ int pardisoSolver(int n, float* a, int* ia, int* ja, float* b, float* x, int nrh
 
 namespace kc::testing {
 void failDirectSolverAllocs(int after, int n) {
-    SuiteSparse_config.malloc_func = hookedMalloc;
-    SuiteSparse_config.calloc_func = hookedCalloc;
-    SuiteSparse_config.realloc_func = hookedRealloc;
+    installSolverAllocator();
     g_failingAllocs = n;
     g_allocsBeforeFailure = after;
 }
