@@ -4,6 +4,10 @@
 // shared data a generated picture stands in.
 //
 //   bench_matting [--max-unknowns N] [--compare]
+//   bench_matting --at N [--repeat R] OPTIONS [--vs OPTIONS ...]
+// --at measures variants of the direct solver in turn at one size (options:
+// --ordering given|given-amd|amd|default|metis|given-metis, --threads T,
+// --loop-threads T, --relax n0,n1,n2,z0,z1,z2, --small-pages, --simplicial).
 // --compare also measures the direct solver's alternatives (orderings,
 // simplicial factorisation) at 0.2 million unknowns.
 #include <algorithm>
@@ -122,19 +126,20 @@ RunResult solve(const Picture& p, bool direct) {
     return r;
 }
 
-void compareAlternatives(const Picture& base) {
-    const Picture p = scaledTo(base, 200000);
+void compareAlternatives(const Picture& base, long long unknowns) {
+    const Picture p = scaledTo(base, unknowns);
     struct Alt {
         const char* name;
         DirectSolveTuning t;
     };
     const Alt alts[] = {
-        {"supernodal LL', grid dissection vs AMD (default)",
-         {true, DirectOrdering::GivenOrMinDegree}},
-        {"supernodal LL', grid dissection only", {true, DirectOrdering::GivenOnly}},
-        {"supernodal LL', AMD only", {true, DirectOrdering::MinDegree}},
-        {"supernodal LL', library default ordering", {true, DirectOrdering::LibraryDefault}},
-        {"simplicial LDL', grid dissection vs AMD", {false, DirectOrdering::GivenOrMinDegree}},
+        {"supernodal LL', grid dissection (default)", {}},
+        {"supernodal LL', grid dissection only", {.ordering = DirectOrdering::GivenOnly}},
+        {"supernodal LL', AMD only", {.ordering = DirectOrdering::MinDegree}},
+        {"supernodal LL', graph partitioning", {.ordering = DirectOrdering::GraphPartition}},
+        {"supernodal LL', two dense-kernel threads", {.blasThreads = 2}},
+        {"supernodal LL', 4 KB pages only", {.hugePages = false}},
+        {"simplicial LDL', grid dissection", {.supernodal = false}},
     };
     std::printf("\nDirect solver alternatives at %lld unknowns:\n", countVariables(p.trimap));
     std::printf("%-52s %9s %9s %9s %12s %10s\n", "", "analyse", "factor", "solve", "nnz(L)",
@@ -191,12 +196,13 @@ void measureAt(const Picture& base, long long unknowns, int repeats,
     for (const Variant& v : variants) {
         const auto as = st(v.assembly), an = st(v.analyse), fa = st(v.factor), so = st(v.solve),
                    to = st(v.total), cp = st(v.cpu);
-        std::printf("%-28s asm %.2f/%.2f an %.2f/%.2f fac %.2f/%.2f sol %.2f/%.2f total "
-                    "%.2f/%.2f cpu %.2f/%.2f peak %.0f MB nnz(L) %.0f %.2f GFlop%s%s\n",
-                    v.label.c_str(), as.first, as.second, an.first, an.second, fa.first, fa.second,
-                    so.first, so.second, to.first, to.second, cp.first, cp.second,
-                    st(v.peak).second, v.last.factorNonzeros, v.last.factorFlops / 1e9,
-                    v.last.givenOrderingUsed ? " grid" : "", v.last.perturbed ? " perturbed" : "");
+        std::printf(
+            "%-28s asm %.2f/%.2f an %.2f/%.2f fac %.2f/%.2f sol %.2f/%.2f total "
+            "%.2f/%.2f cpu %.2f/%.2f peak %.0f MB nnz(L) %.0f %.2f GFlop%s%s\n",
+            v.label.c_str(), as.first, as.second, an.first, an.second, fa.first, fa.second,
+            so.first, so.second, to.first, to.second, cp.first, cp.second, st(v.peak).second,
+            v.last.factorNonzeros, v.last.factorFlops / 1e9,
+            v.last.givenOrderingUsed ? " grid" : "", v.last.perturbed ? " perturbed" : "");
     }
 }
 
@@ -222,9 +228,10 @@ int main(int argc, char** argv) {
         DirectSolveTuning& tuning = variants.back().tuning;
         if (!std::strncmp(argv[i], "--", 2) && std::strcmp(argv[i], "--at") &&
             std::strcmp(argv[i], "--repeat"))
-            variants.back().label += argv[i] + std::string(i + 1 < argc && argv[i + 1][0] != '-'
-                                                               ? std::string(" ") + argv[i + 1] + " "
-                                                               : " ");
+            variants.back().label +=
+                argv[i] + std::string(i + 1 < argc && argv[i + 1][0] != '-'
+                                          ? std::string(" ") + argv[i + 1] + " "
+                                          : " ");
         if (!std::strcmp(argv[i], "--max-unknowns") && i + 1 < argc)
             maxUnknowns = std::atoll(argv[++i]);
         if (!std::strcmp(argv[i], "--compare")) compare = true;
@@ -240,8 +247,7 @@ int main(int argc, char** argv) {
         if (!std::strcmp(argv[i], "--small-pages")) tuning.hugePages = false;
         if (!std::strcmp(argv[i], "--relax") && i + 1 < argc)
             std::sscanf(argv[++i], "%d,%d,%d,%lf,%lf,%lf", &tuning.nrelax[0], &tuning.nrelax[1],
-                        &tuning.nrelax[2], &tuning.zrelax[0], &tuning.zrelax[1],
-                        &tuning.zrelax[2]);
+                        &tuning.nrelax[2], &tuning.zrelax[0], &tuning.zrelax[1], &tuning.zrelax[2]);
     }
     const Picture base = loadPicture();
     if (at > 0) {
@@ -278,6 +284,6 @@ int main(int argc, char** argv) {
             d.times.factorise, d.times.solve, d.total, d.peakMB, c.total, maxDiff, rms);
         std::fflush(stdout);
     }
-    if (compare) compareAlternatives(base);
+    if (compare) compareAlternatives(base, 200000);
     return 0;
 }

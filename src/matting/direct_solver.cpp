@@ -66,43 +66,50 @@ void* adviseHugePages(void* p, std::size_t n) {
 }
 
 // ---- threads ------------------------------------------------------------------
-// The factorisation's own loops (zeroing and assembling supernodes) run on
-// OpenMP teams of a fixed four threads. On two shared cores those teams cost
-// more in wake-ups and spinning than they save. The runtime honours a cap on
-// team sizes only with dynamic adjustment on, so both are set for the solve
-// and the caller's settings restored afterwards. The runtime arrives with the
-// factorisation library, hence the lookup by name.
-class LoopThreadCap {
+// One thread for the dense kernels and for the factorisation's own loops,
+// set for the solve and the caller's settings restored afterwards. Measured
+// on two shared cores (0.2 and 1 M unknowns): a second dense-kernel thread
+// cut the factorisation by 4% at most for 65% more processor time, as the
+// dense kernels are only a fifth of it; waiting helper threads spin and yield,
+// which under load slowed the whole solve down. The loops run on OpenMP teams
+// of a fixed four threads, whose wake-ups cost more than they save; the
+// runtime honours a cap on team sizes only with dynamic adjustment on. That
+// runtime arrives with the factorisation library, hence the lookup by name.
+constexpr int kSolveThreads = 1;
+
+class SolveThreadScope {
   public:
-    explicit LoopThreadCap(int threads) {
+    SolveThreadScope(int blasThreads, int loopThreads) {
+        blasThreads_ = openblas_get_num_threads();
+        openblas_set_num_threads(blasThreads);
         setDynamic_ = reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "omp_set_dynamic"));
-        setThreads_ =
-            reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "omp_set_num_threads"));
+        setThreads_ = reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "omp_set_num_threads"));
         auto getDynamic = reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "omp_get_dynamic"));
-        auto getThreads =
-            reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "omp_get_max_threads"));
-        if (!setDynamic_ || !setThreads_ || !getDynamic || !getThreads || threads < 1) {
+        auto getThreads = reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "omp_get_max_threads"));
+        if (!setDynamic_ || !setThreads_ || !getDynamic || !getThreads) {
             setDynamic_ = nullptr;
             return;
         }
         dynamic_ = getDynamic();
-        threads_ = getThreads();
+        loopThreads_ = getThreads();
         setDynamic_(1);
-        setThreads_(threads);
+        setThreads_(loopThreads);
     }
-    ~LoopThreadCap() {
+    ~SolveThreadScope() {
+        openblas_set_num_threads(blasThreads_);
         if (!setDynamic_) return;
         setDynamic_(dynamic_);
-        setThreads_(threads_);
+        setThreads_(loopThreads_);
     }
-    LoopThreadCap(const LoopThreadCap&) = delete;
-    LoopThreadCap& operator=(const LoopThreadCap&) = delete;
+    SolveThreadScope(const SolveThreadScope&) = delete;
+    SolveThreadScope& operator=(const SolveThreadScope&) = delete;
 
   private:
+    int blasThreads_ = 1;
     void (*setDynamic_)(int) = nullptr;
     void (*setThreads_)(int) = nullptr;
     int dynamic_ = 0;
-    int threads_ = 1;
+    int loopThreads_ = 1;
 };
 
 // ---- allocation failure hook for tests ------------------------------------
@@ -234,8 +241,13 @@ bool allFinite(const cholmod_dense* d) {
 
 enum class Outcome { Solved, OutOfMemory };
 
+// Minimum degree competes with the caller's ordering up to this many unknowns,
+// where it costs a tenth of a second; beyond, it took 0.6 s at 1 M unknowns
+// and lost to the grid dissection by a fifth of the flops.
+constexpr int kMinDegreeCompetesUpTo = 300000;
+
 // The orderings the analysis tries (it keeps the one with the smallest factor).
-void chooseOrderings(cholmod_common* c, const int*& perm) {
+void chooseOrderings(int n, cholmod_common* c, const int*& perm) {
     const DirectOrdering o = g_tuning.ordering;
     if (o == DirectOrdering::MinDegree || o == DirectOrdering::LibraryDefault ||
         o == DirectOrdering::GraphPartition)
@@ -243,7 +255,9 @@ void chooseOrderings(cholmod_common* c, const int*& perm) {
     c->nmethods = 0;
     if (o == DirectOrdering::LibraryDefault) return;
     if (perm) c->method[c->nmethods++].ordering = CHOLMOD_GIVEN;
-    if (perm && o == DirectOrdering::GivenOnly) return;
+    if (perm && (o == DirectOrdering::GivenOnly ||
+                 (o == DirectOrdering::GivenOrMinDegree && n > kMinDegreeCompetesUpTo)))
+        return;
     const bool partition =
         o == DirectOrdering::GraphPartition || o == DirectOrdering::GivenOrGraphPartition;
     c->method[c->nmethods++].ordering = partition ? CHOLMOD_METIS : CHOLMOD_AMD;
@@ -265,7 +279,8 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
     if (mtype != kMtypeSymIndefinite && mtype != kMtypeSymPosDef) throw kErrSolverAnalysis;
     if (!upperCsrValid(n, ia, ja)) throw kErrSolverAnalysis;
 
-    const LoopThreadCap loopThreads(g_tuning.loopThreads > 0 ? g_tuning.loopThreads : 1);
+    const SolveThreadScope threads(g_tuning.blasThreads > 0 ? g_tuning.blasThreads : kSolveThreads,
+                                   g_tuning.loopThreads > 0 ? g_tuning.loopThreads : kSolveThreads);
     CholmodCommon cc;
     cholmod_common* c = &cc.c;
     // Phase 1: analysis.
@@ -275,7 +290,7 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
         if (cc.outOfMemory()) return Outcome::OutOfMemory;
         throw kErrSolverAnalysis;
     }
-    chooseOrderings(c, perm);
+    chooseOrderings(n, c, perm);
     applyRelaxation(c);
     FactorPtr L(cholmod_analyze_p(A.get(), const_cast<int*>(perm), nullptr, 0, c), FactorDel{c});
     if (!L) {
@@ -346,9 +361,7 @@ const DirectSolveTimes& lastDirectSolveTimes() {
     return g_lastTimes;
 }
 void setDirectSolveTuning(const DirectSolveTuning& t) {
-    static const int initialBlasThreads = openblas_get_num_threads();
     g_tuning = t;
-    openblas_set_num_threads(t.blasThreads > 0 ? t.blasThreads : initialBlasThreads);
 }
 
 int pardisoSolverIC(int n, float* a, int* ia, int* ja, float* b, float* /*x*/, int nrhs, int mtype,

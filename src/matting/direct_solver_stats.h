@@ -16,11 +16,11 @@ struct DirectSolveTimes {
 const DirectSolveTimes& lastDirectSolveTimes();
 
 enum class DirectOrdering {
-    GivenOrMinDegree,  // the caller's ordering if any, competing with AMD (the default)
-    GivenOnly,         // the caller's ordering alone
-    MinDegree,         // AMD only, the caller's ordering ignored
-    LibraryDefault,    // the library's own strategy (AMD, then graph partitioning)
-    GraphPartition,    // multilevel graph partitioning nested dissection only
+    GivenOrMinDegree,      // the caller's ordering if any; AMD competes on small systems (default)
+    GivenOnly,             // the caller's ordering alone
+    MinDegree,             // AMD only, the caller's ordering ignored
+    LibraryDefault,        // the library's own strategy (AMD, then graph partitioning)
+    GraphPartition,        // multilevel graph partitioning nested dissection only
     GivenOrGraphPartition  // the caller's ordering competing with graph partitioning
 };
 
