@@ -3,19 +3,33 @@
 //
 // Choice of factorisation, by measurement on matting systems of 0.2 M unknowns
 // (bench_matting --compare): the supernodal LL' runs its dense blocks through
-// the threaded BLAS and factorised 1.5 to 3 times faster than the simplicial
-// LDL', whose column-by-column updates use one core and no blocking. The
-// matting system is positive semidefinite, so LL' needs no pivoting; the one
-// case it cannot take (a group of unknowns that touches no constraint, where
-// the matrix is only semidefinite) is handled by a small diagonal shift, the
-// same remedy as pivot perturbation.
+// BLAS-3 kernels and factorised 3 times faster than the simplicial LDL',
+// whose column-by-column updates have no blocking. The matting system is
+// positive semidefinite, so LL' needs no pivoting; the one case it cannot take
+// (a group of unknowns that touches no constraint, where the matrix is only
+// semidefinite) is handled by a small diagonal shift, the same remedy as pivot
+// perturbation. The shift is only tried after an unshifted attempt fails.
 //
-// Ordering: the caller may hand a geometric nested dissection of the pixel
-// grid; it competes with minimum degree (AMD) in the analysis and the smaller
-// factor wins. At 0.2 M unknowns AMD gave the smaller factor (7.6 against 8.4
-// GFlop); the dissection is there for the large systems, where its fill grows
-// more slowly. AMD alone is what the library's default strategy settles on for
-// these matrices too, after spending more time in the analysis.
+// Configuration, measured on two shared cores (bench_matting --at N with
+// variants run in turn; min of 2-3 runs, load 1.5-4):
+//  - Memory: the factor and its workspaces are fresh blocks whose pages are
+//    touched once; on 4 KB pages the first-touch faults cost more than the
+//    arithmetic (a 1.2 GB block took 3.7 s to fault in, 0.1 s on 2 MB pages).
+//    Large blocks are advised onto 2 MB pages: factorisation at 0.2 M
+//    unknowns 1.23 s -> 0.87 s.
+//  - Threads: one (see SolveThreadScope): at 0.2 M unknowns the factorisation
+//    went from 2.1-3.3 s (default threads) to 0.6-0.7 s, at 1 M from 16-20 s
+//    to 5.3 s; two dense-kernel threads gave at most 4% for 65% more CPU.
+//  - Ordering: the caller's grid dissection (balanced cuts) alone on large
+//    systems; minimum degree (AMD) competes up to 0.3 M unknowns. Factor
+//    flops at 0.2 / 1 M unknowns: grid 6.3 / 71 GFlop, AMD 7.6 / 102, graph
+//    partitioning (METIS) 5.7 / 73 but its analysis took 2 s / 14 s.
+//  - Relaxed amalgamation: larger supernodes (nrelax 8/32/96, 16/64/128)
+//    changed the factorisation by under 5%, within the noise, for up to 17%
+//    more memory: the library's defaults are kept.
+// Result (1 M unknowns): assembly 1.4 s, analysis 1.1 s, factorisation 6.7 s,
+// solve 0.2 s, 9.4 s in all and 1.97 GB peak (before: 20-24 s, 2.07 GB);
+// 0.2 M unknowns 1.3 s (before 2.6-2.9 s).
 #include "matting/direct_solver.h"
 
 #include <cholmod.h>
