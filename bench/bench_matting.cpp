@@ -4,6 +4,10 @@
 // shared data a generated picture stands in.
 //
 //   bench_matting [--max-unknowns N] [--compare]
+//   bench_matting --at N [--repeat R] OPTIONS [--vs OPTIONS ...]
+// --at measures variants of the direct solver in turn at one size (options:
+// --ordering given|given-amd|amd|default|metis|given-metis, --threads T,
+// --loop-threads T, --relax n0,n1,n2,z0,z1,z2, --small-pages, --simplicial).
 // --compare also measures the direct solver's alternatives (orderings,
 // simplicial factorisation) at 0.2 million unknowns.
 #include <algorithm>
@@ -11,6 +15,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <opencv2/imgcodecs.hpp>
@@ -121,19 +126,20 @@ RunResult solve(const Picture& p, bool direct) {
     return r;
 }
 
-void compareAlternatives(const Picture& base) {
-    const Picture p = scaledTo(base, 200000);
+void compareAlternatives(const Picture& base, long long unknowns) {
+    const Picture p = scaledTo(base, unknowns);
     struct Alt {
         const char* name;
         DirectSolveTuning t;
     };
     const Alt alts[] = {
-        {"supernodal LL', grid dissection vs AMD (default)",
-         {true, DirectOrdering::GivenOrMinDegree}},
-        {"supernodal LL', grid dissection only", {true, DirectOrdering::GivenOnly}},
-        {"supernodal LL', AMD only", {true, DirectOrdering::MinDegree}},
-        {"supernodal LL', library default ordering", {true, DirectOrdering::LibraryDefault}},
-        {"simplicial LDL', grid dissection vs AMD", {false, DirectOrdering::GivenOrMinDegree}},
+        {"supernodal LL', grid dissection (default)", {}},
+        {"supernodal LL', grid dissection only", {.ordering = DirectOrdering::GivenOnly}},
+        {"supernodal LL', AMD only", {.ordering = DirectOrdering::MinDegree}},
+        {"supernodal LL', graph partitioning", {.ordering = DirectOrdering::GraphPartition}},
+        {"supernodal LL', two dense-kernel threads", {.blasThreads = 2}},
+        {"supernodal LL', 4 KB pages only", {.hugePages = false}},
+        {"simplicial LDL', grid dissection", {.supernodal = false}},
     };
     std::printf("\nDirect solver alternatives at %lld unknowns:\n", countVariables(p.trimap));
     std::printf("%-52s %9s %9s %9s %12s %10s\n", "", "analyse", "factor", "solve", "nnz(L)",
@@ -149,17 +155,105 @@ void compareAlternatives(const Picture& base) {
     setDirectSolveTuning(DirectSolveTuning{});
 }
 
+// Configurations at one size, direct path only, run in turn and repeated so
+// that they share the machine's load: min and median of every phase.
+struct Variant {
+    std::string label;
+    DirectSolveTuning tuning;
+    std::vector<double> assembly, analyse, factor, solve, total, cpu, peak;
+    DirectSolveTimes last;
+};
+
+void measureAt(const Picture& base, long long unknowns, int repeats,
+               std::vector<Variant>& variants) {
+    const Picture p = scaledTo(base, unknowns);
+    std::printf("%lld unknowns, %d runs of each variant (min/median seconds)\n",
+                countVariables(p.trimap), repeats);
+    for (int i = 0; i < repeats; ++i)
+        for (Variant& v : variants) {
+            setDirectSolveTuning(v.tuning);
+            const double cpu0 = std::clock() / static_cast<double>(CLOCKS_PER_SEC);
+            const RunResult r = solve(p, true);
+            v.cpu.push_back(std::clock() / static_cast<double>(CLOCKS_PER_SEC) - cpu0);
+            if (r.status != 0) {
+                std::printf("%s: direct solve failed: %d\n", v.label.c_str(), r.status);
+                return;
+            }
+            const double solverTime = r.times.analyse + r.times.factorise + r.times.solve;
+            v.assembly.push_back(r.total - solverTime);
+            v.analyse.push_back(r.times.analyse);
+            v.factor.push_back(r.times.factorise);
+            v.solve.push_back(r.times.solve);
+            v.total.push_back(r.total);
+            v.peak.push_back(r.peakMB);
+            v.last = r.times;
+        }
+    setDirectSolveTuning(DirectSolveTuning{});
+    auto st = [](std::vector<double> x) {
+        std::sort(x.begin(), x.end());
+        return std::make_pair(x.front(), x[x.size() / 2]);
+    };
+    for (const Variant& v : variants) {
+        const auto as = st(v.assembly), an = st(v.analyse), fa = st(v.factor), so = st(v.solve),
+                   to = st(v.total), cp = st(v.cpu);
+        std::printf(
+            "%-28s asm %.2f/%.2f an %.2f/%.2f fac %.2f/%.2f sol %.2f/%.2f total "
+            "%.2f/%.2f cpu %.2f/%.2f peak %.0f MB nnz(L) %.0f %.2f GFlop%s%s\n",
+            v.label.c_str(), as.first, as.second, an.first, an.second, fa.first, fa.second,
+            so.first, so.second, to.first, to.second, cp.first, cp.second, st(v.peak).second,
+            v.last.factorNonzeros, v.last.factorFlops / 1e9,
+            v.last.givenOrderingUsed ? " grid" : "", v.last.perturbed ? " perturbed" : "");
+    }
+}
+
+DirectOrdering orderingNamed(const std::string& s) {
+    if (s == "given") return DirectOrdering::GivenOnly;
+    if (s == "amd") return DirectOrdering::MinDegree;
+    if (s == "default") return DirectOrdering::LibraryDefault;
+    if (s == "metis") return DirectOrdering::GraphPartition;
+    if (s == "given-metis") return DirectOrdering::GivenOrGraphPartition;
+    return DirectOrdering::GivenOrMinDegree;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     long long maxUnknowns = 2000000;
     bool compare = false;
+    long long at = 0;
+    int repeats = 3;
+    std::vector<Variant> variants(1);
     for (int i = 1; i < argc; ++i) {
+        if (!std::strcmp(argv[i], "--vs")) variants.emplace_back();
+        DirectSolveTuning& tuning = variants.back().tuning;
+        if (!std::strncmp(argv[i], "--", 2) && std::strcmp(argv[i], "--at") &&
+            std::strcmp(argv[i], "--repeat"))
+            variants.back().label +=
+                argv[i] + std::string(i + 1 < argc && argv[i + 1][0] != '-'
+                                          ? std::string(" ") + argv[i + 1] + " "
+                                          : " ");
         if (!std::strcmp(argv[i], "--max-unknowns") && i + 1 < argc)
             maxUnknowns = std::atoll(argv[++i]);
         if (!std::strcmp(argv[i], "--compare")) compare = true;
+        if (!std::strcmp(argv[i], "--at") && i + 1 < argc) at = std::atoll(argv[++i]);
+        if (!std::strcmp(argv[i], "--repeat") && i + 1 < argc) repeats = std::atoi(argv[++i]);
+        if (!std::strcmp(argv[i], "--ordering") && i + 1 < argc)
+            tuning.ordering = orderingNamed(argv[++i]);
+        if (!std::strcmp(argv[i], "--threads") && i + 1 < argc)
+            tuning.blasThreads = std::atoi(argv[++i]);
+        if (!std::strcmp(argv[i], "--loop-threads") && i + 1 < argc)
+            tuning.loopThreads = std::atoi(argv[++i]);
+        if (!std::strcmp(argv[i], "--simplicial")) tuning.supernodal = false;
+        if (!std::strcmp(argv[i], "--small-pages")) tuning.hugePages = false;
+        if (!std::strcmp(argv[i], "--relax") && i + 1 < argc)
+            std::sscanf(argv[++i], "%d,%d,%d,%lf,%lf,%lf", &tuning.nrelax[0], &tuning.nrelax[1],
+                        &tuning.nrelax[2], &tuning.zrelax[0], &tuning.zrelax[1], &tuning.zrelax[2]);
     }
     const Picture base = loadPicture();
+    if (at > 0) {
+        measureAt(base, at, std::max(repeats, 1), variants);
+        return 0;
+    }
     std::printf("Closed-form matting, picture: %s\n", base.name.c_str());
     std::printf("%9s %11s %9s %9s %9s %9s %9s %9s | %8s %9s %9s\n", "unknowns", "image", "assembly",
                 "analyse", "factor", "solve", "total", "peak MB", "CG", "CG max", "CG rms");
@@ -190,6 +284,6 @@ int main(int argc, char** argv) {
             d.times.factorise, d.times.solve, d.total, d.peakMB, c.total, maxDiff, rms);
         std::fflush(stdout);
     }
-    if (compare) compareAlternatives(base);
+    if (compare) compareAlternatives(base, 200000);
     return 0;
 }

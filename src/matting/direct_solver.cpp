@@ -3,33 +3,54 @@
 //
 // Choice of factorisation, by measurement on matting systems of 0.2 M unknowns
 // (bench_matting --compare): the supernodal LL' runs its dense blocks through
-// the threaded BLAS and factorised 1.5 to 3 times faster than the simplicial
-// LDL', whose column-by-column updates use one core and no blocking. The
-// matting system is positive semidefinite, so LL' needs no pivoting; the one
-// case it cannot take (a group of unknowns that touches no constraint, where
-// the matrix is only semidefinite) is handled by a small diagonal shift, the
-// same remedy as pivot perturbation.
+// BLAS-3 kernels and factorised 3 times faster than the simplicial LDL',
+// whose column-by-column updates have no blocking. The matting system is
+// positive semidefinite, so LL' needs no pivoting; the one case it cannot take
+// (a group of unknowns that touches no constraint, where the matrix is only
+// semidefinite) is handled by a small diagonal shift, the same remedy as pivot
+// perturbation. The shift is only tried after an unshifted attempt fails.
 //
-// Ordering: the caller may hand a geometric nested dissection of the pixel
-// grid; it competes with minimum degree (AMD) in the analysis and the smaller
-// factor wins. At 0.2 M unknowns AMD gave the smaller factor (7.6 against 8.4
-// GFlop); the dissection is there for the large systems, where its fill grows
-// more slowly. AMD alone is what the library's default strategy settles on for
-// these matrices too, after spending more time in the analysis.
+// Configuration, measured on two shared cores (bench_matting --at N with
+// variants run in turn; min of 2-3 runs, load 1.5-4):
+//  - Memory: the factor and its workspaces are fresh blocks whose pages are
+//    touched once; on 4 KB pages the first-touch faults cost more than the
+//    arithmetic (a 1.2 GB block took 3.7 s to fault in, 0.1 s on 2 MB pages).
+//    Large blocks are advised onto 2 MB pages: factorisation at 0.2 M
+//    unknowns 1.23 s -> 0.87 s.
+//  - Threads: one (see SolveThreadScope): at 0.2 M unknowns the factorisation
+//    went from 2.1-3.3 s (default threads) to 0.6-0.7 s, at 1 M from 16-20 s
+//    to 5.3 s; two dense-kernel threads gave at most 4% for 65% more CPU.
+//  - Ordering: the caller's grid dissection (balanced cuts) alone on large
+//    systems; minimum degree (AMD) competes up to 0.3 M unknowns. Factor
+//    flops at 0.2 / 1 M unknowns: grid 6.3 / 71 GFlop, AMD 7.6 / 102, graph
+//    partitioning (METIS) 5.7 / 73 but its analysis took 2 s / 14 s.
+//  - Relaxed amalgamation: larger supernodes (nrelax 8/32/96, 16/64/128)
+//    changed the factorisation by under 5%, within the noise, for up to 17%
+//    more memory: the library's defaults are kept.
+// Result (1 M unknowns): assembly 1.4 s, analysis 1.1 s, factorisation 6.7 s,
+// solve 0.2 s, 9.4 s in all and 1.97 GB peak (before: 20-24 s, 2.07 GB);
+// 0.2 M unknowns 1.3 s (before 2.6-2.9 s).
 #include "matting/direct_solver.h"
 
 #include <cholmod.h>
+#include <dlfcn.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <vector>
 
 #include "matting/direct_solver_stats.h"
 #include "runtime/progress.h"
+
+extern "C" void openblas_set_num_threads(int threads);
+extern "C" int openblas_get_num_threads();
 
 namespace {
 
@@ -39,6 +60,71 @@ constexpr double kPivotPerturbation = 1e-8;
 
 DirectSolveTimes g_lastTimes;
 DirectSolveTuning g_tuning;
+
+// ---- the library's allocator ------------------------------------------------
+// The factor and its workspaces are fresh blocks of hundreds of megabytes whose
+// every page is touched once; at 4 KB a page the first-touch faults took a
+// quarter of the factorisation (more on a virtual machine). Large blocks are
+// therefore advised to use 2 MB pages where the system allows it on request.
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+// Below this, the few faults saved do not pay for the extra system call.
+constexpr std::size_t kAdviseFrom = 4 * kHugePage;
+
+void* adviseHugePages(void* p, std::size_t n) {
+    if (!p || n < kAdviseFrom || !g_tuning.hugePages) return p;
+    const auto first = (reinterpret_cast<std::uintptr_t>(p) + kHugePage - 1) & ~(kHugePage - 1);
+    const auto end = (reinterpret_cast<std::uintptr_t>(p) + n) & ~(kHugePage - 1);
+    // Advice only: where it is refused, the block stays on ordinary pages.
+    if (end > first) madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+    return p;
+}
+
+// ---- threads ------------------------------------------------------------------
+// One thread for the dense kernels and for the factorisation's own loops,
+// set for the solve and the caller's settings restored afterwards. Measured
+// on two shared cores (0.2 and 1 M unknowns): a second dense-kernel thread
+// cut the factorisation by 4% at most for 65% more processor time, as the
+// dense kernels are only a fifth of it; waiting helper threads spin and yield,
+// which under load slowed the whole solve down. The loops run on OpenMP teams
+// of a fixed four threads, whose wake-ups cost more than they save; the
+// runtime honours a cap on team sizes only with dynamic adjustment on. That
+// runtime arrives with the factorisation library, hence the lookup by name.
+constexpr int kSolveThreads = 1;
+
+class SolveThreadScope {
+  public:
+    SolveThreadScope(int blasThreads, int loopThreads) {
+        blasThreads_ = openblas_get_num_threads();
+        openblas_set_num_threads(blasThreads);
+        setDynamic_ = reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "omp_set_dynamic"));
+        setThreads_ = reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "omp_set_num_threads"));
+        auto getDynamic = reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "omp_get_dynamic"));
+        auto getThreads = reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "omp_get_max_threads"));
+        if (!setDynamic_ || !setThreads_ || !getDynamic || !getThreads) {
+            setDynamic_ = nullptr;
+            return;
+        }
+        dynamic_ = getDynamic();
+        loopThreads_ = getThreads();
+        setDynamic_(1);
+        setThreads_(loopThreads);
+    }
+    ~SolveThreadScope() {
+        openblas_set_num_threads(blasThreads_);
+        if (!setDynamic_) return;
+        setDynamic_(dynamic_);
+        setThreads_(loopThreads_);
+    }
+    SolveThreadScope(const SolveThreadScope&) = delete;
+    SolveThreadScope& operator=(const SolveThreadScope&) = delete;
+
+  private:
+    int blasThreads_ = 1;
+    void (*setDynamic_)(int) = nullptr;
+    void (*setThreads_)(int) = nullptr;
+    int dynamic_ = 0;
+    int loopThreads_ = 1;
+};
 
 // ---- allocation failure hook for tests ------------------------------------
 std::atomic<int> g_allocsBeforeFailure{-1};
@@ -57,14 +143,25 @@ bool injectAllocFailure() {
     g_allocsBeforeFailure = -1;
     return false;
 }
-void* hookedMalloc(size_t n) {
-    return injectAllocFailure() ? nullptr : std::malloc(n);
+void* solverMalloc(size_t n) {
+    return injectAllocFailure() ? nullptr : adviseHugePages(std::malloc(n), n);
 }
-void* hookedCalloc(size_t n, size_t s) {
-    return injectAllocFailure() ? nullptr : std::calloc(n, s);
+void* solverCalloc(size_t n, size_t s) {
+    // calloc's own overflow check refuses n * s beyond size_t.
+    return injectAllocFailure() ? nullptr : adviseHugePages(std::calloc(n, s), n * s);
 }
-void* hookedRealloc(void* p, size_t n) {
-    return injectAllocFailure() ? nullptr : std::realloc(p, n);
+void* solverRealloc(void* p, size_t n) {
+    return injectAllocFailure() ? nullptr : adviseHugePages(std::realloc(p, n), n);
+}
+
+void installSolverAllocator() {
+    static const bool installed = [] {
+        SuiteSparse_config.malloc_func = solverMalloc;
+        SuiteSparse_config.calloc_func = solverCalloc;
+        SuiteSparse_config.realloc_func = solverRealloc;
+        return true;
+    }();
+    (void)installed;
 }
 
 // ---- owners of the library's objects ---------------------------------------
@@ -72,6 +169,7 @@ class CholmodCommon {
   public:
     cholmod_common c;
     CholmodCommon() {
+        installSolverAllocator();
         cholmod_start(&c);
         // The engine never writes to a console; failures travel as codes.
         c.print = 0;
@@ -157,6 +255,35 @@ bool allFinite(const cholmod_dense* d) {
 
 enum class Outcome { Solved, OutOfMemory };
 
+// Minimum degree competes with the caller's ordering up to this many unknowns,
+// where it costs a tenth of a second; beyond, it took 0.6 s at 1 M unknowns
+// and lost to the grid dissection by a fifth of the flops.
+constexpr int kMinDegreeCompetesUpTo = 300000;
+
+// The orderings the analysis tries (it keeps the one with the smallest factor).
+void chooseOrderings(int n, cholmod_common* c, const int*& perm) {
+    const DirectOrdering o = g_tuning.ordering;
+    if (o == DirectOrdering::MinDegree || o == DirectOrdering::LibraryDefault ||
+        o == DirectOrdering::GraphPartition)
+        perm = nullptr;
+    c->nmethods = 0;
+    if (o == DirectOrdering::LibraryDefault) return;
+    if (perm) c->method[c->nmethods++].ordering = CHOLMOD_GIVEN;
+    if (perm && (o == DirectOrdering::GivenOnly ||
+                 (o == DirectOrdering::GivenOrMinDegree && n > kMinDegreeCompetesUpTo)))
+        return;
+    const bool partition =
+        o == DirectOrdering::GraphPartition || o == DirectOrdering::GivenOrGraphPartition;
+    c->method[c->nmethods++].ordering = partition ? CHOLMOD_METIS : CHOLMOD_AMD;
+}
+
+void applyRelaxation(cholmod_common* c) {
+    for (int k = 0; k < 3; ++k) {
+        if (g_tuning.nrelax[k] > 0) c->nrelax[k] = static_cast<size_t>(g_tuning.nrelax[k]);
+        if (g_tuning.zrelax[k] > 0.0) c->zrelax[k] = g_tuning.zrelax[k];
+    }
+}
+
 // The three phases; the solution goes over b. Throws 121/122/123.
 template <typename Real>
 Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, int nrhs, int mtype,
@@ -166,6 +293,8 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
     if (mtype != kMtypeSymIndefinite && mtype != kMtypeSymPosDef) throw kErrSolverAnalysis;
     if (!upperCsrValid(n, ia, ja)) throw kErrSolverAnalysis;
 
+    const SolveThreadScope threads(g_tuning.blasThreads > 0 ? g_tuning.blasThreads : kSolveThreads,
+                                   g_tuning.loopThreads > 0 ? g_tuning.loopThreads : kSolveThreads);
     CholmodCommon cc;
     cholmod_common* c = &cc.c;
     // Phase 1: analysis.
@@ -175,22 +304,8 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
         if (cc.outOfMemory()) return Outcome::OutOfMemory;
         throw kErrSolverAnalysis;
     }
-    if (g_tuning.ordering == DirectOrdering::MinDegree ||
-        g_tuning.ordering == DirectOrdering::LibraryDefault)
-        perm = nullptr;
-    if (g_tuning.ordering == DirectOrdering::LibraryDefault) {
-        c->nmethods = 0;
-    } else if (perm && g_tuning.ordering == DirectOrdering::GivenOnly) {
-        c->nmethods = 1;
-        c->method[0].ordering = CHOLMOD_GIVEN;
-    } else if (perm) {
-        c->nmethods = 2;
-        c->method[0].ordering = CHOLMOD_GIVEN;
-        c->method[1].ordering = CHOLMOD_AMD;
-    } else {
-        c->nmethods = 1;
-        c->method[0].ordering = CHOLMOD_AMD;
-    }
+    chooseOrderings(n, c, perm);
+    applyRelaxation(c);
     FactorPtr L(cholmod_analyze_p(A.get(), const_cast<int*>(perm), nullptr, 0, c), FactorDel{c});
     if (!L) {
         if (cc.outOfMemory()) return Outcome::OutOfMemory;
@@ -284,9 +399,7 @@ int pardisoSolver(int n, float* a, int* ia, int* ja, float* b, float* x, int nrh
 
 namespace kc::testing {
 void failDirectSolverAllocs(int after, int n) {
-    SuiteSparse_config.malloc_func = hookedMalloc;
-    SuiteSparse_config.calloc_func = hookedCalloc;
-    SuiteSparse_config.realloc_func = hookedRealloc;
+    installSolverAllocator();
     g_failingAllocs = n;
     g_allocsBeforeFailure = after;
 }

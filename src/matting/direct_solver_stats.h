@@ -16,15 +16,27 @@ struct DirectSolveTimes {
 const DirectSolveTimes& lastDirectSolveTimes();
 
 enum class DirectOrdering {
-    GivenOrMinDegree,  // the caller's ordering if any, competing with AMD (the default)
-    GivenOnly,         // the caller's ordering alone
-    MinDegree,         // AMD only, the caller's ordering ignored
-    LibraryDefault     // the library's own strategy (AMD, then graph partitioning)
+    GivenOrMinDegree,      // the caller's ordering if any; AMD competes on small systems (default)
+    GivenOnly,             // the caller's ordering alone
+    MinDegree,             // AMD only, the caller's ordering ignored
+    LibraryDefault,        // the library's own strategy (AMD, then graph partitioning)
+    GraphPartition,        // multilevel graph partitioning nested dissection only
+    GivenOrGraphPartition  // the caller's ordering competing with graph partitioning
 };
 
 struct DirectSolveTuning {
     bool supernodal = true;
     DirectOrdering ordering = DirectOrdering::GivenOrMinDegree;
+    // Relaxed amalgamation of supernodes: nrelax[] column counts and zrelax[]
+    // fractions of explicit zeros; zero keeps the library's value.
+    int nrelax[3] = {0, 0, 0};
+    double zrelax[3] = {0.0, 0.0, 0.0};
+    // Threads of the dense kernels and of the factorisation's own parallel
+    // loops; zero keeps the engine's choice.
+    int blasThreads = 0;
+    int loopThreads = 0;
+    // Large blocks of the factorisation on 2 MB pages where the system allows.
+    bool hugePages = true;
 };
 
 // For measurements only; the engine never changes the defaults.
