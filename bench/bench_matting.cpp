@@ -25,6 +25,7 @@
 
 #include "matting/cfmatt.h"
 #include "matting/direct_solver_stats.h"
+#include "support/peak_memory.h"
 
 namespace {
 
@@ -83,18 +84,6 @@ Picture scaledTo(const Picture& p, long long unknowns) {
     return s;
 }
 
-double peakRssMB() {
-    std::ifstream f("/proc/self/status");
-    std::string line;
-    while (std::getline(f, line))
-        if (line.rfind("VmHWM:", 0) == 0) return std::stod(line.substr(6)) / 1024.0;
-    return -1.0;
-}
-void resetPeakRss() {
-    std::ofstream f("/proc/self/clear_refs");
-    f << "5";
-}
-
 struct RunResult {
     double total = 0.0;
     DirectSolveTimes times;
@@ -112,7 +101,7 @@ RunResult solve(const Picture& p, bool direct) {
     r.alpha = p.trimap.clone();
     CFMatt m;
     m.setSolver(direct);
-    resetPeakRss();
+    resetPeakMemory();
     const auto t0 = std::chrono::steady_clock::now();
     try {
         r.status = m.CompAlpha(ptrs, static_cast<int>(planes[0].step), p.rgb.cols, p.rgb.rows,
@@ -121,7 +110,7 @@ RunResult solve(const Picture& p, bool direct) {
         r.status = code;
     }
     r.total = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-    r.peakMB = peakRssMB();
+    r.peakMB = peakMB();
     r.times = lastDirectSolveTimes();
     return r;
 }
