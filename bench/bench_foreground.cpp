@@ -30,6 +30,7 @@
 #include <vector>
 
 #include "api/keepcut.h"
+#include "engine_job.h"
 #include "matting/cfmatt.h"
 #include "pipeline/fg_extract.h"
 #include "pipeline/fg_recover.h"
@@ -40,61 +41,11 @@
 namespace {
 
 constexpr int kSampleW = 800, kSampleH = 600;
-constexpr unsigned char kFourth = 255;
-constexpr unsigned char kTrimapUnknown = 128;
 // The new plain background of the composite check.
 const cv::Vec3f kNewBackground(128, 128, 128);
 
 double seconds(std::chrono::steady_clock::time_point t0) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-}
-
-struct Buffers {
-    cv::Mat image, mask, foreground, brush;
-    RKPSStructMsk2 r{};
-    Buffers(const cv::Mat& bgr, const cv::Mat& maskBytes) {
-        cv::Mat fourth(bgr.size(), CV_8UC1, cv::Scalar(kFourth));
-        cv::Mat parts[] = {bgr, fourth};
-        cv::merge(parts, 2, image);
-        mask = maskBytes.clone();
-        foreground = image.clone();  // a host starts from the picture
-        brush = mask.clone();
-        r.image = image.data;
-        r.imageRowBytes = static_cast<int>(image.step);
-        r.mask = mask.data;
-        r.maskRowBytes = static_cast<int>(mask.step);
-        r.foreground = foreground.data;
-        r.foregroundRowBytes = static_cast<int>(foreground.step);
-        r.brushInfo = brush.data;
-        r.brushInfoRowBytes = static_cast<int>(brush.step);
-        r.width = bgr.cols;
-        r.height = bgr.rows;
-        r.roiWidth = bgr.cols;
-        r.roiHeight = bgr.rows;
-        r.mergeMode = 2;
-    }
-};
-
-// Mask bytes of a true alpha: painted cut / keep where it is 0 / 1, the even
-// alpha byte between.
-cv::Mat maskFromAlpha(const cv::Mat& alpha01) {
-    cv::Mat m(alpha01.size(), CV_8UC1);
-    for (int y = 0; y < m.rows; ++y)
-        for (int x = 0; x < m.cols; ++x) {
-            const int v = static_cast<int>(std::lround(alpha01.at<float>(y, x) * 255));
-            m.at<unsigned char>(y, x) = v <= 0 ? 1 : (v >= 255 ? 255 : (v & ~1));
-        }
-    return m;
-}
-
-cv::Mat maskFromTrimap(const cv::Mat& trimap) {
-    cv::Mat m(trimap.size(), CV_8UC1);
-    for (int y = 0; y < m.rows; ++y)
-        for (int x = 0; x < m.cols; ++x) {
-            const unsigned char t = trimap.at<unsigned char>(y, x);
-            m.at<unsigned char>(y, x) = t == 0 ? 1 : (t == 255 ? 255 : kTrimapUnknown);
-        }
-    return m;
 }
 
 struct Errors {
@@ -145,43 +96,44 @@ void extractAll(const cv::Mat& pic, const cv::Mat& mask, cv::Mat& fg) {
 
 void sampleQuality() {
     const SyntheticSample s = makeSyntheticSample(kSampleW, kSampleH);
-    const cv::Mat trueMask = maskFromAlpha(s.alpha);
+    const cv::Mat trueMask = brushMapFromAlpha(s.alpha);
     std::printf("\nGenerated sample %dx%d, fractional pixels only\n", kSampleW, kSampleH);
     std::printf("%-44s %6s %6s %6s  %7s  %7s  %9s\n", "foreground", "|dB|", "|dG|", "|dR|",
                 "compos.", "vs naive", "time");
-    Buffers naiveBuf(s.picture, trueMask);
+    EngineJob naiveBuf(s.picture, trueMask);
     const Errors naive = foregroundErrors(naiveBuf.image, s);
     printRow("naive F = picture", naive, naive, 0);
 
-    auto run = [&](const char* name, const cv::Mat& mask, const std::function<void(Buffers&)>& f) {
-        Buffers b(s.picture, mask);
+    auto run = [&](const char* name, const cv::Mat& mask,
+                   const std::function<void(EngineJob&)>& f) {
+        EngineJob b(s.picture, mask);
         const auto t0 = std::chrono::steady_clock::now();
         f(b);
         printRow(name, foregroundErrors(b.foreground, s), naive, seconds(t0));
     };
     const cv::Rect all(0, 0, kSampleW, kSampleH);
     run("true alpha, tiled extraction, full scale", trueMask,
-        [&](Buffers& b) { recoverForegroundRegion(b.r, all, 1.0f, false, extractAll); });
+        [&](EngineJob& b) { recoverForegroundRegion(b.r, all, 1.0f, false, extractAll); });
     run("true alpha, region entry (scale 0.33)", trueMask,
-        [](Buffers& b) { rkRecoverForegroundCell(&b.r, true); });
+        [](EngineJob& b) { rkRecoverForegroundCell(&b.r, true); });
     run("true alpha, whole-picture (0.18, feathered)", trueMask,
-        [](Buffers& b) { rkRecoverForegroundCell(&b.r, false); });
+        [](EngineJob& b) { rkRecoverForegroundCell(&b.r, false); });
     run("true alpha, rkRecoverForeground (0.18)", trueMask,
-        [](Buffers& b) { rkRecoverForeground(&b.r); });
+        [](EngineJob& b) { rkRecoverForeground(&b.r); });
     run("true alpha, rkRecoverForegroundKDTree (0.18)", trueMask,
-        [](Buffers& b) { rkRecoverForegroundKDTree(&b.r); });
-    const cv::Mat trimapMask = maskFromTrimap(s.trimap);
-    run("main entry, region job, computed alpha", trimapMask, [](Buffers& b) {
+        [](EngineJob& b) { rkRecoverForegroundKDTree(&b.r); });
+    const cv::Mat trimapMask = brushMapFromTrimap(s.trimap);
+    run("main entry, region job, computed alpha", trimapMask, [](EngineJob& b) {
         b.r.cellMode = 1;
         b.r.recoverForeground = true;
         rkKeepCutToAlpha(&b.r, 0, false);
     });
-    run("main entry, whole picture, computed alpha", trimapMask, [](Buffers& b) {
+    run("main entry, whole picture, computed alpha", trimapMask, [](EngineJob& b) {
         b.r.recoverForeground = true;
         rkKeepCutToAlpha(&b.r, 0, false);
     });
     run("rkRecoverDuringComputeOnly, computed alpha", trimapMask,
-        [](Buffers& b) { rkRecoverDuringComputeOnly(&b.r); });
+        [](EngineJob& b) { rkRecoverDuringComputeOnly(&b.r); });
 }
 
 // F and B of a whole picture at full scale with the given alpha bytes.
@@ -264,10 +216,10 @@ void alphamattingQuality(bool all) {
 void speed(int w, int h) {
     std::printf("\nMain entry on a %dx%d generated picture (whole-picture job)\n", w, h);
     const SyntheticSample s = makeSyntheticSample(w, h);
-    const cv::Mat mask = maskFromTrimap(s.trimap);
+    const cv::Mat mask = brushMapFromTrimap(s.trimap);
     double secs[2] = {0, 0}, peakMB[2] = {0, 0};
     for (int recover = 0; recover < 2; ++recover) {
-        Buffers b(s.picture, mask);
+        EngineJob b(s.picture, mask);
         b.r.recoverForeground = recover != 0;
         const double startMB = residentMB();
         resetPeakMemory();

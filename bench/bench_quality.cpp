@@ -40,7 +40,7 @@ double secondsSince(std::chrono::steady_clock::time_point t) {
 
 Score runEntry(const cv::Mat& picture, const cv::Mat& trimap, const cv::Mat& truth, int hiRes) {
     EngineJob job(picture, brushMapFromTrimap(trimap));
-    RKPSStructMsk2 r = job.request();
+    RKPSStructMsk2 r = job.r;
     const auto t = std::chrono::steady_clock::now();
     Score s;
     s.code = rkKeepCutToAlpha(&r, hiRes, false);

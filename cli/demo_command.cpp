@@ -46,7 +46,7 @@ int runDemo(const DemoOptions& o) {
 
     auto t = std::chrono::steady_clock::now();
     EngineJob job(s.picture, brushMapFromTrimap(s.trimap));
-    RKPSStructMsk2 r = job.request();
+    RKPSStructMsk2 r = job.r;
     r.recoverForeground = true;
     const int rc = rkKeepCutToAlpha(&r, 1, false);  // the high-resolution pass
     if (rc != 1) {

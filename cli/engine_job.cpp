@@ -7,16 +7,12 @@ namespace {
 // Unpainted start value of the band: even (not painted) and mid-way, so no
 // region test counts it as decided.
 constexpr unsigned char kBandStart = 128;
+// Leaves region results as computed instead of merging by minimum or maximum.
+constexpr int kMergeAsComputed = 2;
 }  // namespace
 
-EngineJob::EngineJob(const cv::Mat& pictureBgr, const cv::Mat& brushMap) {
-    cv::cvtColor(pictureBgr, image, cv::COLOR_BGR2BGRA);
-    mask = brushMap.clone();
-    brushInfo = brushMap.clone();
-    foreground = image.clone();
-}
-
-RKPSStructMsk2 EngineJob::request() {
+RKPSStructMsk2 wholePictureRequest(cv::Mat& image, cv::Mat& mask, cv::Mat& foreground,
+                                   cv::Mat& brushInfo) {
     RKPSStructMsk2 r{};
     r.image = image.data;
     r.imageRowBytes = static_cast<int>(image.step);
@@ -28,7 +24,18 @@ RKPSStructMsk2 EngineJob::request() {
     r.brushInfoRowBytes = static_cast<int>(brushInfo.step);
     r.width = r.roiWidth = image.cols;
     r.height = r.roiHeight = image.rows;
+    r.mergeMode = kMergeAsComputed;
     return r;
+}
+
+EngineJob::EngineJob(const cv::Mat& pictureBgr, const cv::Mat& brushMap, unsigned char fourthByte) {
+    const cv::Mat parts[] = {pictureBgr,
+                             cv::Mat(pictureBgr.size(), CV_8UC1, cv::Scalar(fourthByte))};
+    cv::merge(parts, 2, image);
+    mask = brushMap.clone();
+    brushInfo = brushMap.clone();
+    foreground = image.clone();
+    r = wholePictureRequest(image, mask, foreground, brushInfo);
 }
 
 cv::Mat EngineJob::foregroundBgr() const {
@@ -41,6 +48,15 @@ cv::Mat brushMapFromTrimap(const cv::Mat& trimap) {
     cv::Mat map(trimap.size(), CV_8UC1, cv::Scalar(kBandStart));
     map.setTo(RK_MASK_CUT, trimap == 0);
     map.setTo(RK_MASK_KEEP, trimap == 255);
+    return map;
+}
+
+cv::Mat brushMapFromAlpha(const cv::Mat& alpha01) {
+    cv::Mat bytes;
+    alpha01.convertTo(bytes, CV_8U, 255.0);  // rounds to nearest
+    cv::Mat map = bytes & cv::Scalar(0xFE);
+    map.setTo(RK_MASK_CUT, bytes == 0);
+    map.setTo(RK_MASK_KEEP, bytes == 255);
     return map;
 }
 

@@ -19,7 +19,7 @@ void checkRegion(const MatteOptions& o, const cv::Mat& picture) {
 
 // Runs the main entry; prints the message log and throws on failure.
 void runEngine(const MatteOptions& o, EngineJob& job) {
-    RKPSStructMsk2 r = job.request();
+    RKPSStructMsk2 r = job.r;
     if (o.hasRegion) {
         r.roiX = o.region[0];
         r.roiY = o.region[1];
@@ -47,7 +47,7 @@ void recoverAfterFullSolve(const cv::Mat& trimap, const cv::Mat& alpha, EngineJo
     const cv::Mat painted = brushMapFromTrimap(trimap);
     job.mask = alpha & cv::Scalar(0xFE);  // computed alpha is even
     painted.copyTo(job.mask, (trimap == 0) | (trimap == 255));
-    RKPSStructMsk2 r = job.request();
+    RKPSStructMsk2 r = job.r;
     clearErrMsg();
     const int rc = rkRecoverForegroundCell(&r, false);
     if (rc != 1) {

@@ -92,7 +92,7 @@ TEST(ToolConversions, TrimapToBrushMapAndBack) {
 TEST(ToolConversions, RequestCoversThePicture) {
     EngineJob job(cv::Mat(5, 7, CV_8UC3, cv::Scalar(1, 2, 3)),
                   cv::Mat(5, 7, CV_8UC1, cv::Scalar(1)));
-    const RKPSStructMsk2 r = job.request();
+    const RKPSStructMsk2 r = job.r;
     EXPECT_EQ(r.width, 7);
     EXPECT_EQ(r.roiWidth, 7);
     EXPECT_EQ(r.roiHeight, 5);

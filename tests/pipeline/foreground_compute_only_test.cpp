@@ -25,7 +25,7 @@ TEST(RecoverComputeOnly, VisitsTilesWithWorkAndAdvancesOverEmptyOnes) {
     cv::Mat mask(400, 400, CV_8UC1, cv::Scalar(255));
     mask.at<unsigned char>(50, 50) = 128;
     mask.at<unsigned char>(250, 350) = 7;  // odd: painted but inside 6..249
-    RequestBuffers b(picture, mask);
+    EngineJob b(picture, mask, kFourthByte);
     ProgressLog log;
     b.r.progProc = ProgressLog::record;
     b.r.progData = &log;
@@ -71,7 +71,7 @@ TEST(RecoverComputeOnly, EntryComputesAndRecoversTheBand) {
             const unsigned char t = s.trimap.at<unsigned char>(y, x);
             mask.at<unsigned char>(y, x) = t == 0 ? 1 : (t == 255 ? 255 : 128);
         }
-    RequestBuffers b(s.picture, mask);
+    EngineJob b(s.picture, mask, kFourthByte);
     b.r.mergeMode = 2;
     ASSERT_EQ(rkRecoverDuringComputeOnly(&b.r), 1);
     int band = 0;
@@ -101,7 +101,7 @@ TEST(MainEntry, RecoversForegroundWhenAsked) {
             const unsigned char t = s.trimap.at<unsigned char>(y, x);
             mask.at<unsigned char>(y, x) = t == 0 ? 1 : (t == 255 ? 255 : 128);
         }
-    RequestBuffers with(s.picture, mask), without(s.picture, mask);
+    EngineJob with(s.picture, mask), without(s.picture, mask, kFourthByte);
     with.r.cellMode = without.r.cellMode = 1;
     with.r.recoverForeground = true;
     ASSERT_EQ(rkKeepCutToAlpha(&with.r, 0, false), 1);

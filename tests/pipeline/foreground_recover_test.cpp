@@ -23,7 +23,7 @@ void extractAll(const cv::Mat& pic, const cv::Mat& mask, cv::Mat& fg) {
 
 // Picture pixels (colour and fourth byte) equal the foreground wherever the
 // mask is painted keep or cut or at least 250; pixels outside box untouched.
-void expectPictureWhereWhole(const RequestBuffers& b, const cv::Mat& before, const cv::Rect& box) {
+void expectPictureWhereWhole(const EngineJob& b, const cv::Mat& before, const cv::Rect& box) {
     for (int y = 0; y < b.image.rows; ++y)
         for (int x = 0; x < b.image.cols; ++x) {
             const cv::Vec4b f = b.foreground.at<cv::Vec4b>(y, x);
@@ -41,7 +41,7 @@ void expectPictureWhereWhole(const RequestBuffers& b, const cv::Mat& before, con
 
 TEST(ForegroundRecovery, TiledExtractionBeatsThePictureThreefold) {
     const SyntheticSample s = makeSyntheticSample(260, 190);
-    RequestBuffers b(s.picture, maskFromAlpha(s.alpha));
+    EngineJob b(s.picture, brushMapFromAlpha(s.alpha), kFourthByte);
     const cv::Rect all(0, 0, 260, 190);
     recoverForegroundRegion(b.r, all, 1.0f, false, extractAll);
     const double err = alphaWeightedError(b.foreground, s, all);
@@ -52,7 +52,7 @@ TEST(ForegroundRecovery, TiledExtractionBeatsThePictureThreefold) {
 
 TEST(ForegroundRecovery, CellJobKeepsPictureExactlyAndWritesOnlyItsRegion) {
     const SyntheticSample s = makeSyntheticSample(200, 150);
-    RequestBuffers b(s.picture, maskFromAlpha(s.alpha));
+    EngineJob b(s.picture, brushMapFromAlpha(s.alpha), kFourthByte);
     // A region centred on a half-transparent pixel, where the new colours
     // take full weight.
     cv::Point centre(-1, -1);
@@ -84,7 +84,7 @@ TEST(ForegroundRecovery, FeatherFadesFromCentreToRim) {
     // Uniform fractional mask, identity extraction: new colours are the
     // picture (s = 1), the old foreground is black.
     cv::Mat picture(60, 80, CV_8UC3, cv::Scalar(200, 200, 200));
-    RequestBuffers b(picture, cv::Mat(60, 80, CV_8UC1, cv::Scalar(128)));
+    EngineJob b(picture, cv::Mat(60, 80, CV_8UC1, cv::Scalar(128)), kFourthByte);
     b.foreground.setTo(cv::Scalar(0, 0, 0, kFourthByte));
     recoverForegroundRegion(b.r, cv::Rect(0, 0, 80, 60), 1.0f, true,
                             [](const cv::Mat&, const cv::Mat&, cv::Mat&) {});
@@ -105,7 +105,7 @@ TEST(ForegroundRecovery, DetailOfTheGreenByteIsAddedToAllColours) {
     cv::RNG rng(4);
     rng.fill(picture, cv::RNG::UNIFORM, 40, 216);
     auto run = [&](unsigned char maskValue) {
-        RequestBuffers b(picture, cv::Mat(64, 96, CV_8UC1, cv::Scalar(maskValue)));
+        EngineJob b(picture, cv::Mat(64, 96, CV_8UC1, cv::Scalar(maskValue)), kFourthByte);
         recoverForegroundRegion(b.r, cv::Rect(0, 0, 96, 64), 0.5f, false,
                                 [](const cv::Mat&, const cv::Mat&, cv::Mat&) {});
         return b.foreground.clone();
@@ -128,8 +128,8 @@ TEST(ForegroundRecovery, DetailOfTheGreenByteIsAddedToAllColours) {
 
 TEST(ForegroundRecovery, KDTreeVariantWritesWholePictureAndKeepsPaintedPixels) {
     const SyntheticSample s = makeSyntheticSample(240, 180);
-    RequestBuffers kd(s.picture, maskFromAlpha(s.alpha));
-    RequestBuffers plain(s.picture, maskFromAlpha(s.alpha));
+    EngineJob kd(s.picture, brushMapFromAlpha(s.alpha), kFourthByte);
+    EngineJob plain(s.picture, brushMapFromAlpha(s.alpha), kFourthByte);
     ASSERT_EQ(rkRecoverForegroundKDTree(&kd.r), 1);
     ASSERT_EQ(rkRecoverForeground(&plain.r), 1);
     const cv::Rect all(0, 0, 240, 180);
@@ -144,7 +144,7 @@ TEST(ForegroundRecovery, KDTreeVariantWritesWholePictureAndKeepsPaintedPixels) {
 
 TEST(ForegroundRecovery, EntryRefusesBadArguments) {
     cv::Mat picture(20, 30, CV_8UC3, cv::Scalar(1, 2, 3));
-    RequestBuffers b(picture, cv::Mat(20, 30, CV_8UC1, cv::Scalar(100)));
+    EngineJob b(picture, cv::Mat(20, 30, CV_8UC1, cv::Scalar(100)), kFourthByte);
     EXPECT_EQ(rkRecoverForegroundCell(nullptr, true), -2);
     RKPSStructMsk2 r = b.r;
     r.foreground = nullptr;

@@ -7,51 +7,11 @@
 #include <vector>
 
 #include "api/keepcut.h"
+#include "engine_job.h"
 #include "synthetic_sample.h"
 
 // Fourth byte of picture pixels: recovery must never write it.
 inline constexpr unsigned char kFourthByte = 77;
-
-struct RequestBuffers {
-    cv::Mat image, mask, foreground, brush;
-    RKPSStructMsk2 r{};
-    // picture: 8UC3 B,G,R; maskBytes: 8UC1. The foreground starts as the
-    // picture, as a host fills it.
-    RequestBuffers(const cv::Mat& picture, const cv::Mat& maskBytes) {
-        cv::Mat fourth(picture.size(), CV_8UC1, cv::Scalar(kFourthByte));
-        cv::Mat parts[] = {picture, fourth};
-        cv::merge(parts, 2, image);
-        mask = maskBytes.clone();
-        foreground = image.clone();
-        brush = mask.clone();
-        r.image = image.data;
-        r.imageRowBytes = static_cast<int>(image.step);
-        r.mask = mask.data;
-        r.maskRowBytes = static_cast<int>(mask.step);
-        r.foreground = foreground.data;
-        r.foregroundRowBytes = static_cast<int>(foreground.step);
-        r.brushInfo = brush.data;
-        r.brushInfoRowBytes = static_cast<int>(brush.step);
-        r.width = picture.cols;
-        r.height = picture.rows;
-        r.roiWidth = picture.cols;
-        r.roiHeight = picture.rows;
-        r.mergeMode = 2;
-    }
-};
-
-// Mask bytes from a true alpha: painted cut (1) where it is 0, painted keep
-// (255) where it is 1, the even alpha byte elsewhere.
-inline cv::Mat maskFromAlpha(const cv::Mat& alpha) {
-    cv::Mat m(alpha.size(), CV_8UC1);
-    for (int y = 0; y < alpha.rows; ++y)
-        for (int x = 0; x < alpha.cols; ++x) {
-            const int v = static_cast<int>(std::lround(alpha.at<float>(y, x) * 255.0f));
-            m.at<unsigned char>(y, x) =
-                v <= 0 ? 1 : (v >= 255 ? 255 : static_cast<unsigned char>(v & ~1));
-        }
-    return m;
-}
 
 // Alpha-weighted mean |F - F_true| per channel over fractional pixels inside
 // box (what a composite over a new background shows), for a B,G,R,x buffer.

@@ -9,6 +9,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "api/keepcut.h"
+#include "engine_job.h"
 #include "synthetic_sample.h"
 
 namespace keepcut_test {
@@ -36,30 +37,9 @@ struct KeepCutJob {
         mask = maskBlock(cv::Rect(0, 0, w, h));
         brush = brushBlock(cv::Rect(0, 0, w, h));
         cv::cvtColor(sample.picture, image, cv::COLOR_BGR2BGRA);
-        // Trimap to brush codes: 0 -> painted cut, 255 -> painted keep, the
-        // unknown band stays an even estimate.
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) {
-                const unsigned char t = sample.trimap.at<unsigned char>(y, x);
-                mask.at<unsigned char>(y, x) =
-                    t == 0 ? static_cast<unsigned char>(RK_MASK_CUT)
-                           : (t == kTrimapKeep ? static_cast<unsigned char>(RK_MASK_KEEP) : t);
-            }
+        brushMapFromTrimap(sample.trimap).copyTo(mask);
         mask.copyTo(brush);
-        std::memset(&request, 0, sizeof request);
-        request.image = image.data;
-        request.imageRowBytes = static_cast<int>(image.step);
-        request.mask = mask.data;
-        request.maskRowBytes = static_cast<int>(mask.step);
-        request.foreground = foreground.data;
-        request.foregroundRowBytes = static_cast<int>(foreground.step);
-        request.brushInfo = brush.data;
-        request.brushInfoRowBytes = static_cast<int>(brush.step);
-        request.width = w;
-        request.height = h;
-        request.roiWidth = w;
-        request.roiHeight = h;
-        request.mergeMode = 2;
+        request = wholePictureRequest(image, mask, foreground, brush);
     }
     KeepCutJob(const KeepCutJob&) = delete;
     KeepCutJob& operator=(const KeepCutJob&) = delete;
