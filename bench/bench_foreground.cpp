@@ -116,7 +116,7 @@ void sampleQuality() {
         [&](EngineJob& b) { recoverForegroundRegion(b.r, all, 1.0f, false, extractAll); });
     run("true alpha, region entry (scale 0.33)", trueMask,
         [](EngineJob& b) { rkRecoverForegroundCell(&b.r, true); });
-    run("true alpha, whole-picture (0.18, feathered)", trueMask,
+    run("true alpha, whole-picture (0.18)", trueMask,
         [](EngineJob& b) { rkRecoverForegroundCell(&b.r, false); });
     run("true alpha, rkRecoverForeground (0.18)", trueMask,
         [](EngineJob& b) { rkRecoverForeground(&b.r); });
