@@ -212,6 +212,20 @@ KC_EXPORT int rkRecoverForegroundCell(RKPSStructMsk2* request, bool cellJob);
    or rows shorter than the width. */
 KC_EXPORT int rkRecoverDuringComputeOnly(RKPSStructMsk2* request);
 
+/* ---- sparse direct solver ------------------------------------------------ */
+
+/* Solves A x = b for a symmetric matrix of order n given by its upper
+   triangle, diagonal first in every row, in one-based compressed rows (a:
+   values, ia: n + 1 row starts, ja: columns). The solution is written over b
+   (nrhs right-hand sides of n values each); x is unused workspace and may be
+   null. mtype 2 is positive definite, -2 symmetric indefinite. All arrays are
+   the caller's and are only read during the call, except b. Returns 1 on
+   success; 0 when memory ran out; 121, 122 or 123 when the analysis, the
+   factorisation or the solve failed; -2 (with a log line) for null arrays or
+   a non-positive n or nrhs; -6 for any other failure. */
+KC_EXPORT int pardisoSolverOOC(int n, float* a, int* ia, int* ja, float* b, float* x, int nrhs,
+                               int mtype);
+
 KC_EXTERN_C_END
 
 #endif /* KEEPCUT_H */

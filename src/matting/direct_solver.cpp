@@ -47,6 +47,8 @@
 #include <vector>
 
 #include "matting/direct_solver_stats.h"
+#include "runtime/arg_check.h"
+#include "runtime/entry_guard.h"
 #include "runtime/progress.h"
 
 extern "C" void openblas_set_num_threads(int threads);
@@ -388,8 +390,20 @@ int pardisoSolverIC(int n, double* a, int* ia, int* ja, double* b, double* /*x*/
     return solveUpper(n, a, ia, ja, b, nrhs, mtype, perm) == Outcome::Solved ? 1 : 0;
 }
 
-int pardisoSolverOOC(int n, float* a, int* ia, int* ja, float* b, float* x, int nrhs, int mtype) {
-    return pardisoSolverIC(n, a, ia, ja, b, x, nrhs, mtype);
+// This solver has no out-of-core mode, so the variant runs in core. It is a
+// host entry: the phase failures it would throw come back as its result.
+extern "C" int pardisoSolverOOC(int n, float* a, int* ia, int* ja, float* b, float* x, int nrhs,
+                                int mtype) {
+    constexpr const char* kEntry = "pardisoSolverOOC";
+    if (!a || !ia || !ja || !b) {
+        rkRefuse(kEntry, "a matrix array or b is null");
+        return kInvalidArgument;
+    }
+    if (n < 1 || nrhs < 1) {
+        rkRefuse(kEntry, "n and nrhs must be positive");
+        return kInvalidArgument;
+    }
+    return rkGuardEntry([&] { return pardisoSolverIC(n, a, ia, ja, b, x, nrhs, mtype); });
 }
 
 int pardisoSolver(int n, float* a, int* ia, int* ja, float* b, float* x, int nrhs, int mtype,

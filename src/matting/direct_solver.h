@@ -6,6 +6,8 @@
 // factorisation, 123 solve. Running out of memory is a result, not a throw.
 #pragma once
 
+#include "api/keepcut.h"
+
 // Thrown codes of the three phases.
 inline constexpr int kErrSolverAnalysis = 121;
 inline constexpr int kErrSolverFactor = 122;
@@ -29,9 +31,7 @@ int pardisoSolverIC(int n, float* a, int* ia, int* ja, float* b, float* x, int n
 int pardisoSolverIC(int n, double* a, int* ia, int* ja, double* b, double* x, int nrhs, int mtype,
                     const int* perm = nullptr);
 
-// The out-of-core variant: this solver has no out-of-core mode, so it runs in
-// core with the same results and thrown codes.
-int pardisoSolverOOC(int n, float* a, int* ia, int* ja, float* b, float* x, int nrhs, int mtype);
+// The out-of-core variant is pardisoSolverOOC, exported to hosts (api/keepcut.h).
 
 namespace kc::testing {
 // Makes the direct solver's allocations fail from the (after+1)-th one on, for
