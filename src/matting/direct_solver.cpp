@@ -47,6 +47,7 @@
 #include <vector>
 
 #include "matting/direct_solver_stats.h"
+#include "matting/solver_block_pool.h"
 #include "runtime/arg_check.h"
 #include "runtime/entry_guard.h"
 #include "runtime/progress.h"
@@ -146,14 +147,14 @@ bool injectAllocFailure() {
     return false;
 }
 void* solverMalloc(size_t n) {
-    return injectAllocFailure() ? nullptr : adviseHugePages(std::malloc(n), n);
+    return injectAllocFailure() ? nullptr : poolMalloc(n, adviseHugePages);
 }
 void* solverCalloc(size_t n, size_t s) {
-    // calloc's own overflow check refuses n * s beyond size_t.
-    return injectAllocFailure() ? nullptr : adviseHugePages(std::calloc(n, s), n * s);
+    // The pool refuses n * s beyond size_t, as calloc does.
+    return injectAllocFailure() ? nullptr : poolCalloc(n, s, adviseHugePages);
 }
 void* solverRealloc(void* p, size_t n) {
-    return injectAllocFailure() ? nullptr : adviseHugePages(std::realloc(p, n), n);
+    return injectAllocFailure() ? nullptr : poolRealloc(p, n, adviseHugePages);
 }
 
 void installSolverAllocator() {
@@ -161,6 +162,7 @@ void installSolverAllocator() {
         SuiteSparse_config.malloc_func = solverMalloc;
         SuiteSparse_config.calloc_func = solverCalloc;
         SuiteSparse_config.realloc_func = solverRealloc;
+        SuiteSparse_config.free_func = poolFree;
         return true;
     }();
     (void)installed;

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "matting/cfmatt.h"
+#include "matting/solver_block_pool.h"
 #include "pipeline/alpha_smoothing.h"
 #include "pipeline/kd_tree.h"
 #include "pipeline/mask_codes.h"
@@ -63,6 +64,8 @@ void solveByTree(unsigned char* known, int knownStep, unsigned char** planes, in
                  unsigned char* alpha, int alphaStep, unsigned char* foreground, int foregroundStep,
                  int width, int height, CFMatt& matt, const char* beforeFirst[],
                  const char* beforeSecond) {
+    // Cells solve one after the other with factors of similar size.
+    const SolverBlockReuse reuse;
     KDTree tree(known, knownStep, planes, planeStep, alpha, alphaStep, foreground, foregroundStep,
                 width, height, &matt);
     tree.constructTree(tree.root.get());
