@@ -197,8 +197,9 @@ KC_EXPORT int recoverBrushInfo(RKPSStructMsk2* request);
    rim, so a host should fill `foreground` (for instance with the picture)
    before the first call. Whole-picture jobs replace the region's colours.
    Returns 1; -2 (with a log line) for a null request, image, mask or
-   foreground, a negative size, rows shorter than the width, or an empty
-   region or one outside the picture; -6 when memory ran out. */
+   foreground, a negative size, rows shorter than the width (a given
+   brushInfo's included), or an empty region or one outside the picture; -6
+   when memory ran out. */
 KC_EXPORT int rkRecoverForegroundCell(RKPSStructMsk2* request, bool cellJob);
 
 /* Computes alpha and recovers the foreground over the whole picture in tiles

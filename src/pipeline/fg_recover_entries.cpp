@@ -27,6 +27,10 @@ extern "C" KC_EXPORT int rkRecoverForegroundCell(RKPSStructMsk2* request, bool c
     return rkGuardEntry([&] {
         if (!buffersUsable(kEntry, request)) return kInvalidArgument;
         const RKPSStructMsk2& r = *request;
+        // brushInfo is optional here, but a given one is read over the region.
+        if (r.brushInfo && !rkCheckBuffer(kEntry, "brushInfo", r.brushInfo, r.width, r.height,
+                                          r.brushInfoRowBytes, kMapBytes))
+            return kInvalidArgument;
         const char* wrong = nullptr;
         if (r.roiWidth < 1 || r.roiHeight < 1)
             wrong = "region is empty";

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "runtime/arg_check.h"
 #include "runtime/entry_guard.h"
@@ -16,33 +17,40 @@ class MapRows {
     MapRows(const T* map, int step, int valueA, int valueB)
         : map_(map), step_(step), valueA_(valueA), valueB_(valueB) {}
 
-    const T* row(int y) const {
-        return reinterpret_cast<const T*>(reinterpret_cast<const char*>(map_) +
-                                          static_cast<std::ptrdiff_t>(y) * step_);
+    // A host's 16-bit map may start at an odd address or have an odd step, so
+    // elements are loaded bytewise rather than through a T pointer.
+    const char* row(int y) const {
+        return reinterpret_cast<const char*>(map_) + static_cast<std::ptrdiff_t>(y) * step_;
+    }
+    static T at(const char* r, int x) {
+        T v;
+        std::memcpy(&v, r + static_cast<std::ptrdiff_t>(x) * sizeof(T), sizeof(T));
+        return v;
     }
     bool isWork(int v) const { return v != valueA_ && v != valueB_; }
 
     // First column in [from, to) of row y that holds work, or to.
     int firstWork(int y, int from, int to) const {
-        const T* r = row(y);
+        const char* r = row(y);
         for (int x = from; x < to; ++x)
-            if (isWork(r[x])) return x;
+            if (isWork(at(r, x))) return x;
         return to;
     }
     // Last column in [from, to) of row y that holds work, or from - 1.
     int lastWork(int y, int from, int to) const {
-        const T* r = row(y);
+        const char* r = row(y);
         for (int x = to - 1; x >= from; --x)
-            if (isWork(r[x])) return x;
+            if (isWork(at(r, x))) return x;
         return from - 1;
     }
     void count(int x, int y, int w, int h, int* countA, int* countB) const {
         int a = 0, b = 0;
         for (int yy = y; yy < y + h; ++yy) {
-            const T* r = row(yy);
+            const char* r = row(yy);
             for (int xx = x; xx < x + w; ++xx) {
-                a += r[xx] == valueA_;
-                b += r[xx] == valueB_;
+                const T v = at(r, xx);
+                a += v == valueA_;
+                b += v == valueB_;
             }
         }
         *countA = a;

@@ -1,4 +1,7 @@
 // The flat progress counter driven by the solvers.
+#include <algorithm>
+#include <climits>
+
 #include "runtime/progress.h"
 
 RKProgressProc gProgProc = nullptr;
@@ -31,9 +34,12 @@ int setProgRange(int total, int inc) {
 
 int progressKick(void) {
     if (!gProgProc || !gProgDatap) return 1;
-    gProgressCurrent += gProgressInc;
+    // Added in 64 bits: the host's total and increment are arbitrary ints, and
+    // the sum must not overflow.
+    long long next = static_cast<long long>(gProgressCurrent) + gProgressInc;
     // At the end the bar falls back to half-way rather than sitting full while
     // work goes on.
-    if (gProgressCurrent >= gProgressTotal) gProgressCurrent = gProgressTotal / 2;
+    if (next >= gProgressTotal) next = gProgressTotal / 2;
+    gProgressCurrent = static_cast<int>(std::max<long long>(next, INT_MIN));
     return gProgProc(gProgressCurrent, gProgressTotal, gProgDatap);
 }

@@ -109,13 +109,14 @@ TEST(ImgOps, FloatArithmeticOneAndThreeChannels) {
     const float hi[3] = {40.f, 30.f, 0.f};
     d3.roiRect(1, 1, -1, -1);
     s3.roiRect(1, 1, -1, -1);
+    o3.roiRect(1, 1, -1, -1);  // the source is read over the destination's region
     ASSERT_EQ(Add(s3, d3), 0);
     ASSERT_EQ((Add<float, float*>(k, d3)), 0);
     ASSERT_EQ((Mul<float, float*>(k, d3)), 0);
     ASSERT_EQ(Threshold_LT(d3, lo), 0);
     ASSERT_EQ(Threshold_GT(d3, hi), 0);
     ASSERT_EQ(Mul(d3, k, o3), 0);
-    ASSERT_EQ(o3.roiSize, IPSize(kW, kH));  // its own region; only d3's part is written
+    ASSERT_EQ(o3.roiSize, IPSize(kW - 2, kH - 2));
     for (int y = 1; y < kH - 1; ++y)
         for (int x = 1; x < kW - 1; ++x)
             for (int c = 0; c < 3; ++c) {
@@ -123,6 +124,7 @@ TEST(ImgOps, FloatArithmeticOneAndThreeChannels) {
                 v = (v + k[c]) * k[c];
                 v = std::min(std::max(v, lo[c]), hi[c]);
                 ASSERT_FLOAT_EQ(px(d3, x, y, c), v);
+                ASSERT_FLOAT_EQ(px(o3, x, y, c), v * k[c]);
             }
     EXPECT_EQ(px(d3, 0, 0, 1), -4.f);  // the margin is untouched
 }

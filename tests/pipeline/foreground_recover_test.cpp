@@ -159,6 +159,11 @@ TEST(ForegroundRecovery, EntryRefusesBadArguments) {
     r.roiHeight = 0;
     EXPECT_EQ(rkRecoverForegroundCell(&r, true), -2);
     r = b.r;
+    r.brushInfoRowBytes = -30;  // a given brushInfo is read, so its rows must fit
+    EXPECT_EQ(rkRecoverForegroundCell(&r, true), -2);
+    r.brushInfo = nullptr;  // an absent one is not read at all
+    EXPECT_EQ(rkRecoverForegroundCell(&r, true), 1);
+    r = b.r;
     r.height = -1;
     EXPECT_EQ(rkRecoverDuringComputeOnly(&r), -2);
     EXPECT_EQ(rkRecoverDuringComputeOnly(nullptr), -2);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -169,6 +170,21 @@ TEST_F(MaskBBoxEntry, DispatchesOnElementSizeAndAlwaysReturnsOne) {
     EXPECT_EQ(b8, referenceBox(m8, kMaskKeep, kMaskCut));
     EXPECT_EQ(b16, referenceBox(m16, kMaskKeep, kMaskCut));
     EXPECT_STREQ(getErrMsg(), "");
+}
+
+// A host's 16-bit map need not be aligned: the same map copied to an odd
+// address with an odd step gives the same box.
+TEST_F(MaskBBoxEntry, SixteenBitMapAtAnOddAddressWithAnOddStep) {
+    std::mt19937 rng(5);
+    Map<unsigned short> m16 = randomMap<unsigned short>(rng, 70, 50, 3);
+    const int step = m16.stepBytes() + 1;
+    std::vector<unsigned char> bytes(1 + static_cast<size_t>(step) * 50, 0);
+    for (int y = 0; y < 50; ++y)
+        std::memcpy(&bytes[1 + static_cast<size_t>(y) * step], &m16.at(0, y), 2 * 70);
+    Box b;
+    b.result = rkMaskBBox(1, &bytes[1], step, 70, 50, &b.x, &b.w, &b.y, &b.h, &b.countA, &b.countB,
+                          0, kMaskKeep, kMaskCut);
+    EXPECT_EQ(b, referenceBox(m16, kMaskKeep, kMaskCut));
 }
 
 TEST_F(MaskBBoxEntry, RefusesBadArgumentsWithALogLine) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 #include <stdexcept>
 #include <vector>
@@ -42,6 +43,19 @@ TEST(FlatProgress, KicksAdvanceAndFallBackToHalf) {
     EXPECT_EQ(progressKick(), 1);
     EXPECT_EQ(calls.current.size(), 5u);
     EXPECT_EQ(gProgressCurrent, 0);
+}
+
+// Whatever the host passes, the counter stays an int: past the end it falls
+// back to half the total, and a negative step stops at the lowest int.
+TEST(FlatProgress, ExtremeTotalsAndIncrementsDoNotOverflow) {
+    Calls calls;
+    setProgProc(record, &calls, INT_MAX, INT_MAX);
+    for (int i = 0; i < 3; ++i) progressKick();
+    EXPECT_EQ(calls.current, (std::vector<int>{INT_MAX / 2, INT_MAX / 2, INT_MAX / 2}));
+    setProgProc(record, &calls, 0, INT_MIN);
+    for (int i = 0; i < 3; ++i) progressKick();
+    EXPECT_EQ(calls.current.back(), INT_MIN);
+    initProgProc();
 }
 
 TEST(FlatProgress, NeedsBothCallbackAndData) {
