@@ -35,8 +35,12 @@ TEST(SyntheticSample, TrimapKnownRegionsAreTrulyKnown) {
         for (int x = 0; x < s.alpha.cols; ++x) {
             const float al = s.alpha.at<float>(y, x);
             const unsigned char t = s.trimap.at<unsigned char>(y, x);
-            if (t == 255) ASSERT_EQ(al, 1.0f);
-            if (t == 0) ASSERT_EQ(al, 0.0f);
+            if (t == 255) {
+                ASSERT_EQ(al, 1.0f);
+            }
+            if (t == 0) {
+                ASSERT_EQ(al, 0.0f);
+            }
             fractional += al > 0.0f && al < 1.0f;
             unknown += t == 128;
         }

@@ -74,7 +74,7 @@ void expectTopSeparatorSplits(const std::vector<int>& idx, const std::vector<int
 
 TEST(GridOrdering, IsAPermutationThatDissects) {
     std::mt19937 rng(3);
-    for (const auto [w, h] : {std::pair{40, 30}, std::pair{7, 90}, std::pair{64, 64}}) {
+    for (const auto& [w, h] : {std::pair{40, 30}, std::pair{7, 90}, std::pair{64, 64}}) {
         for (double density : {1.0, 0.6}) {
             std::vector<bool> isVar(w * h);
             std::bernoulli_distribution keep(density);
