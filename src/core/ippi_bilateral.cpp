@@ -50,13 +50,13 @@ IppStatus ippiFilterBilateralInit_8u_C1R(IppiFilterBilateralType filter, IppiSiz
     if (filter != ippiFilterBilaGauss) return ippStsBadArgErr;
     if (maxKernelSize.width <= 0 || maxKernelSize.height <= 0) return ippStsSizeErr;
     if (!(valSquareSigma > 0) || !(posSquareSigma > 0) || stepInKernel < 1) return ippStsBadArgErr;
-    IppiFilterBilateralSpec* spec = new (pSpec) IppiFilterBilateralSpec{};
-    spec->tag = kSpecTag;
-    spec->maxKernel = maxKernelSize;
-    spec->stepInKernel = stepInKernel;
-    spec->posSquareSigma = posSquareSigma;
+    IppiFilterBilateralSpec* filterState = new (pSpec) IppiFilterBilateralSpec{};
+    filterState->tag = kSpecTag;
+    filterState->maxKernel = maxKernelSize;
+    filterState->stepInKernel = stepInKernel;
+    filterState->posSquareSigma = posSquareSigma;
     for (int d = 0; d < 256; ++d)
-        spec->valueWeight[d] =
+        filterState->valueWeight[d] =
             static_cast<float>(std::exp(-double(d) * d / (2.0 * valSquareSigma)));
     return ippStsNoErr;
 }

@@ -32,7 +32,7 @@ IppStatus ippiFilterBilateral_8u_C1R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst
 
 namespace IPPIP {
 inline IppStatus ippiFilterBilateral_C1R(const Ipp8u* s, int ss, Ipp8u* d, int ds, IppiSize r,
-                                         IppiSize k, IppiFilterBilateralSpec* spec) {
-    return ippiFilterBilateral_8u_C1R(s, ss, d, ds, r, k, spec);
+                                         IppiSize k, IppiFilterBilateralSpec* filterState) {
+    return ippiFilterBilateral_8u_C1R(s, ss, d, ds, r, k, filterState);
 }
 }  // namespace IPPIP

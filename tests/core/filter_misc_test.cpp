@@ -26,17 +26,17 @@ TEST(Bilateral, MatchesWeightedMeanOfTheSampledKernel) {
             ippiFilterBilateralGetBufSize_8u_C1R(ippiFilterBilaGauss, {300, 21}, {7, 7}, &bytes),
             ippStsNoErr);
         std::vector<Ipp8u> specBytes(bytes);
-        auto* spec = reinterpret_cast<IppiFilterBilateralSpec*>(specBytes.data());
-        ASSERT_EQ(
-            ippiFilterBilateralInit_8u_C1R(ippiFilterBilaGauss, {7, 7}, valSq, posSq, stepK, spec),
-            ippStsNoErr);
+        auto* filterState = reinterpret_cast<IppiFilterBilateralSpec*>(specBytes.data());
+        ASSERT_EQ(ippiFilterBilateralInit_8u_C1R(ippiFilterBilaGauss, {7, 7}, valSq, posSq, stepK,
+                                                 filterState),
+                  ippStsNoErr);
         for (const IppiSize roi : regionSizes())
             for (const IppiSize k : kernels) {
                 Block<Ipp8u> src(roi, 3), dst(roi, 1);
                 src.randomize(rng, 0, 255);
                 dst.fill(0xEE);
                 ASSERT_EQ(ippiFilterBilateral_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(),
-                                                     roi, k, spec),
+                                                     roi, k, filterState),
                           ippStsNoErr);
                 for (int y = 0; y < roi.height; ++y)
                     for (int x = 0; x < roi.width; ++x) {
@@ -56,16 +56,16 @@ TEST(Bilateral, MatchesWeightedMeanOfTheSampledKernel) {
             }
     }
     std::vector<Ipp8u> raw(4096, 0);
-    auto* spec = reinterpret_cast<IppiFilterBilateralSpec*>(raw.data());
+    auto* filterState = reinterpret_cast<IppiFilterBilateralSpec*>(raw.data());
     Block<Ipp8u> img({4, 4}, 3);
     EXPECT_EQ(ippiFilterBilateral_8u_C1R(img.ptr(), img.step(), img.ptr(), img.step(), {4, 4},
-                                         {3, 3}, spec),
+                                         {3, 3}, filterState),
               ippStsBadArgErr);  // never initialised
-    EXPECT_EQ(ippiFilterBilateralInit_8u_C1R(ippiFilterBilaGauss, {3, 3}, 0, 1, 1, spec),
+    EXPECT_EQ(ippiFilterBilateralInit_8u_C1R(ippiFilterBilaGauss, {3, 3}, 0, 1, 1, filterState),
               ippStsBadArgErr);
-    ASSERT_EQ(ippiFilterBilateralInit_8u_C1R(ippiFilterBilaGauss, {3, 3}, 1, 1, 1, spec), 0);
+    ASSERT_EQ(ippiFilterBilateralInit_8u_C1R(ippiFilterBilaGauss, {3, 3}, 1, 1, 1, filterState), 0);
     EXPECT_EQ(ippiFilterBilateral_8u_C1R(img.ptr(), img.step(), img.ptr(), img.step(), {4, 4},
-                                         {5, 5}, spec),
+                                         {5, 5}, filterState),
               ippStsSizeErr);  // larger than the kernel it was made for
 }
 
