@@ -87,13 +87,6 @@ void printRow(const char* name, const Errors& e, const Errors& naive, double sec
                 e.channel[1], e.channel[2], e.composite, naive.composite / e.composite, secs);
 }
 
-void extractAll(const cv::Mat& pic, const cv::Mat& mask, cv::Mat& fg) {
-    RgbPlanes planes(pic);
-    CFMatt matt;
-    const cv::Rect all(0, 0, pic.cols, pic.rows);
-    extractForegroundTiles(planes.ptr, planes.step, mask, fg, all, all, matt);
-}
-
 void sampleQuality() {
     const SyntheticSample s = makeSyntheticSample(kSampleW, kSampleH);
     const cv::Mat trueMask = brushMapFromAlpha(s.alpha);
@@ -113,7 +106,7 @@ void sampleQuality() {
     };
     const cv::Rect all(0, 0, kSampleW, kSampleH);
     run("true alpha, tiled extraction, full scale", trueMask,
-        [&](EngineJob& b) { recoverForegroundRegion(b.r, all, 1.0f, false, extractAll); });
+        [&](EngineJob& b) { recoverForegroundRegion(b.r, all, 1.0f, false, extractAllTiles); });
     run("true alpha, region entry (scale 0.33)", trueMask,
         [](EngineJob& b) { rkRecoverForegroundCell(&b.r, true); });
     run("true alpha, whole-picture (0.18)", trueMask,

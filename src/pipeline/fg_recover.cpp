@@ -144,17 +144,12 @@ void recoverForegroundRegion(const RKPSStructMsk2& r, const cv::Rect& region, fl
     }
 }
 
-namespace {
-
-// The tiled extraction over all of a reduced picture.
 void extractAllTiles(const cv::Mat& pic, const cv::Mat& mask, cv::Mat& fg) {
     RgbPlanes planes(pic);
     CFMatt matt;
     const cv::Rect all(0, 0, pic.cols, pic.rows);
     extractForegroundTiles(planes.ptr, planes.step, mask, fg, all, all, matt);
 }
-
-}  // namespace
 
 int recoverForegroundCell(RKPSStructMsk2* request, bool cellJob) {
     const cv::Rect region(request->roiX, request->roiY, request->roiWidth, request->roiHeight);

@@ -18,6 +18,10 @@ float fgRecoverScale(int width, int height, bool cellJob);
 using ReducedExtraction = std::function<void(
     const cv::Mat& reducedPicture, const cv::Mat& reducedMask, cv::Mat& reducedForeground)>;
 
+// The tiled extraction over all of a reduced picture (B,G,R,x) with its
+// reduced mask, writing the foreground into fg.
+void extractAllTiles(const cv::Mat& pic, const cv::Mat& mask, cv::Mat& fg);
+
 // The whole recovery of region at scale s. Where the mask is whole (see
 // kFgPictureFrom) or brushInfo, when given, is painted keep or cut, the new
 // colour is the picture's own. With feather set, the new colours

@@ -13,14 +13,6 @@
 
 namespace {
 
-// The tiled extraction over a whole reduced picture.
-void extractAll(const cv::Mat& pic, const cv::Mat& mask, cv::Mat& fg) {
-    RgbPlanes planes(pic);
-    CFMatt matt;
-    const cv::Rect all(0, 0, pic.cols, pic.rows);
-    extractForegroundTiles(planes.ptr, planes.step, mask, fg, all, all, matt);
-}
-
 // Picture pixels (colour and fourth byte) equal the foreground wherever the
 // mask is painted keep or cut or at least 250; pixels outside box untouched.
 void expectPictureWhereWhole(const EngineJob& b, const cv::Mat& before, const cv::Rect& box) {
@@ -43,7 +35,7 @@ TEST(ForegroundRecovery, TiledExtractionBeatsThePictureThreefold) {
     const SyntheticSample s = makeSyntheticSample(260, 190);
     EngineJob b(s.picture, brushMapFromAlpha(s.alpha), kFourthByte);
     const cv::Rect all(0, 0, 260, 190);
-    recoverForegroundRegion(b.r, all, 1.0f, false, extractAll);
+    recoverForegroundRegion(b.r, all, 1.0f, false, extractAllTiles);
     const double err = alphaWeightedError(b.foreground, s, all);
     const double naive = alphaWeightedError(b.image, s, all);
     EXPECT_LT(err * 3, naive) << "recovered " << err << " naive " << naive;
