@@ -45,7 +45,7 @@ cv::Mat solveFullResolution(const cv::Mat& picture, const cv::Mat& trimap) {
     }
     cv::Mat alpha = trimap.clone();
     // CompAlpha treats only exact 0 and 255 as known; everything else unknown.
-    const int rc = rkGuardEntry([&] {
+    const int rc = rkGuardEntry("full-resolution solve", [&] {
         CFMatt matt;
         matt.setSolver(true);
         return matt.CompAlpha(rgb, static_cast<int>(planes.step), picture.cols, picture.rows,

@@ -33,7 +33,6 @@
 #include "matting/direct_solver.h"
 
 #include <cholmod.h>
-#include <dlfcn.h>
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -44,13 +43,17 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <vector>
 
+#include "matting/blas_buffer.h"
 #include "matting/direct_solver_stats.h"
 #include "matting/solver_block_pool.h"
 #include "runtime/arg_check.h"
 #include "runtime/entry_guard.h"
+#include "runtime/machine_headroom.h"
 #include "runtime/progress.h"
+#include "runtime/result_codes.h"
 
 extern "C" void openblas_set_num_threads(int threads);
 extern "C" int openblas_get_num_threads();
@@ -61,7 +64,8 @@ namespace {
 // factorisable: small against every real coupling, yet far above rounding.
 constexpr double kPivotPerturbation = 1e-8;
 
-DirectSolveTimes g_lastTimes;
+// What the calling thread's last solve did.
+thread_local DirectSolveTimes g_lastTimes;
 DirectSolveTuning g_tuning;
 
 // ---- the library's allocator ------------------------------------------------
@@ -83,51 +87,64 @@ void* adviseHugePages(void* p, std::size_t n) {
 }
 
 // ---- threads ------------------------------------------------------------------
-// One thread for the dense kernels and for the factorisation's own loops,
-// set for the solve and the caller's settings restored afterwards. Measured
-// on two shared cores (0.2 and 1 M unknowns): a second dense-kernel thread
-// cut the factorisation by 4% at most for 65% more processor time, as the
-// dense kernels are only a fifth of it; waiting helper threads spin and yield,
-// which under load slowed the whole solve down. The loops run on OpenMP teams
-// of a fixed four threads, whose wake-ups cost more than they save; the
-// runtime honours a cap on team sizes only with dynamic adjustment on. That
-// runtime arrives with the factorisation library, hence the lookup by name.
+// One thread for the dense kernels, set for the solve and the caller's setting
+// restored afterwards. Measured on two shared cores (0.2 and 1 M unknowns): a
+// second dense-kernel thread cut the factorisation by 4% at most for 65% more
+// processor time, as the dense kernels are only a fifth of it; waiting helper
+// threads spin and yield, which under load slowed the whole solve down. The
+// factorisation's own parallel loops run inline on the caller's thread (see
+// the redirect below): teams of four had cost more in wake-ups than they saved.
 constexpr int kSolveThreads = 1;
+
+// The dense kernels' thread count is one setting for the whole process, and
+// their work buffer is mapped once (blas_buffer.h): solves from two host
+// threads take turns, so that neither changes the other's setting halfway.
+std::mutex& solveLock() {
+    static std::mutex m;
+    return m;
+}
 
 class SolveThreadScope {
   public:
-    SolveThreadScope(int blasThreads, int loopThreads) {
+    explicit SolveThreadScope(int blasThreads) {
         blasThreads_ = openblas_get_num_threads();
         openblas_set_num_threads(blasThreads);
-        setDynamic_ = reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "omp_set_dynamic"));
-        setThreads_ = reinterpret_cast<void (*)(int)>(dlsym(RTLD_DEFAULT, "omp_set_num_threads"));
-        auto getDynamic = reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "omp_get_dynamic"));
-        auto getThreads = reinterpret_cast<int (*)()>(dlsym(RTLD_DEFAULT, "omp_get_max_threads"));
-        if (!setDynamic_ || !setThreads_ || !getDynamic || !getThreads) {
-            setDynamic_ = nullptr;
-            return;
-        }
-        dynamic_ = getDynamic();
-        loopThreads_ = getThreads();
-        setDynamic_(1);
-        setThreads_(loopThreads);
     }
-    ~SolveThreadScope() {
-        openblas_set_num_threads(blasThreads_);
-        if (!setDynamic_) return;
-        setDynamic_(dynamic_);
-        setThreads_(loopThreads_);
-    }
+    ~SolveThreadScope() { openblas_set_num_threads(blasThreads_); }
     SolveThreadScope(const SolveThreadScope&) = delete;
     SolveThreadScope& operator=(const SolveThreadScope&) = delete;
 
   private:
     int blasThreads_ = 1;
-    void (*setDynamic_)(int) = nullptr;
-    void (*setThreads_)(int) = nullptr;
-    int dynamic_ = 0;
-    int loopThreads_ = 1;
 };
+
+}  // namespace
+
+// ---- the factorisation's parallel loops, run inline --------------------------
+// The library is compiled with OpenMP, whose runtime allocates a team for every
+// parallel region it enters (thousands per solve) and ends the whole process
+// when such an allocation fails: a host would lose its unsaved work to a memory
+// shortage. The link redirects the library's region entry and its two team
+// queries here (--wrap), so a region is a plain call of its body on the calling
+// thread, as a team of one. They live in this file because it is what pulls
+// the library into every link. The team queries must answer for the inline
+// team: a host calling us from inside its own OpenMP region would otherwise
+// hand the body its team's size and this thread's number in it, and the body
+// would do only that share of the loop.
+extern "C" {
+void __wrap_GOMP_parallel(void (*body)(void*), void* data, unsigned /*threads*/,
+                          unsigned /*flags*/) {
+    body(data);
+}
+int __wrap_omp_get_num_threads(void) {
+    return 1;
+}
+int __wrap_omp_get_thread_num(void) {
+    return 0;
+}
+}
+
+namespace {
 
 // ---- allocation failure hook for tests ------------------------------------
 std::atomic<int> g_allocsBeforeFailure{-1};
@@ -146,14 +163,15 @@ bool injectAllocFailure() {
     g_allocsBeforeFailure = -1;
     return false;
 }
-void* solverMalloc(size_t n) {
+// The library calls these from C: a failure is a null result, never a throw.
+void* solverMalloc(size_t n) noexcept {
     return injectAllocFailure() ? nullptr : poolMalloc(n, adviseHugePages);
 }
-void* solverCalloc(size_t n, size_t s) {
+void* solverCalloc(size_t n, size_t s) noexcept {
     // The pool refuses n * s beyond size_t, as calloc does.
     return injectAllocFailure() ? nullptr : poolCalloc(n, s, adviseHugePages);
 }
-void* solverRealloc(void* p, size_t n) {
+void* solverRealloc(void* p, size_t n) noexcept {
     return injectAllocFailure() ? nullptr : poolRealloc(p, n, adviseHugePages);
 }
 
@@ -163,6 +181,8 @@ void installSolverAllocator() {
         SuiteSparse_config.calloc_func = solverCalloc;
         SuiteSparse_config.realloc_func = solverRealloc;
         SuiteSparse_config.free_func = poolFree;
+        // The engine never writes to a console (see solver_streams.c).
+        SuiteSparse_config.printf_func = nullptr;
         return true;
     }();
     (void)installed;
@@ -209,16 +229,22 @@ double secondsSince(std::chrono::steady_clock::time_point t0) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
 }
 
-// Row starts from 1 and non-decreasing, columns within the matrix and never
-// left of the diagonal: anything else is refused before the library reads it.
-bool upperCsrValid(int n, const int* ia, const int* ja) {
-    if (ia[0] != 1) return false;
+// Why the upper one-based rows cannot be read as a matrix, or null when they
+// can: row starts from 1 and non-decreasing, columns within the matrix, never
+// left of the diagonal and strictly ascending within a row. The factorisation
+// takes the rows as sorted columns without repeats; a repeated column made it
+// write outside its blocks, so anything else is refused before it sees them.
+const char* upperCsrFault(int n, const int* ia, const int* ja) {
+    if (ia[0] != 1) return "the first row start is not 1";
     for (int r = 0; r < n; ++r) {
-        if (ia[r + 1] < ia[r]) return false;
-        for (int k = ia[r] - 1; k < ia[r + 1] - 1; ++k)
-            if (ja[k] < r + 1 || ja[k] > n) return false;
+        if (ia[r + 1] < ia[r]) return "row starts decrease";
+        for (int k = ia[r] - 1; k < ia[r + 1] - 1; ++k) {
+            if (ja[k] < r + 1 || ja[k] > n) return "a column lies left of the diagonal or outside";
+            if (k > ia[r] - 1 && ja[k] <= ja[k - 1])
+                return "columns repeat or do not ascend within a row";
+        }
     }
-    return true;
+    return nullptr;
 }
 
 // The upper one-based rows, read as zero-based lower columns (same arrays).
@@ -259,6 +285,23 @@ bool allFinite(const cholmod_dense* d) {
 
 enum class Outcome { Solved, OutOfMemory };
 
+// Bytes the factorisation and the solve will allocate after the analysis:
+// the factor's values and the update workspace (supernodal), or the factor's
+// entries with their row indices (simplicial), plus the solution, its
+// workspaces and the integer maps of the factorisation.
+double numericBytes(const cholmod_factor& L, const cholmod_common& c, int n, int nrhs) {
+    const double vectors = static_cast<double>(n) * nrhs;
+    const double ints = 4.0 * sizeof(int) * n;
+    if (L.is_super)
+        return sizeof(double) * (static_cast<double>(L.xsize) + static_cast<double>(L.maxcsize) +
+                                 2.0 * vectors + static_cast<double>(L.maxesize) * nrhs) +
+               ints;
+    const double lnz = c.selected >= 0 && c.selected <= CHOLMOD_MAXMETHODS
+                           ? c.method[c.selected].lnz
+                           : static_cast<double>(n);
+    return (sizeof(double) + sizeof(int)) * lnz + sizeof(double) * 2.0 * vectors + ints;
+}
+
 // Minimum degree competes with the caller's ordering up to this many unknowns,
 // where it costs a tenth of a second; beyond, it took 0.6 s at 1 M unknowns
 // and lost to the grid dissection by a fifth of the flops.
@@ -295,10 +338,10 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
     g_lastTimes = DirectSolveTimes{};
     if (n < 1 || nrhs < 1 || !a || !ia || !ja || !b) throw kErrSolverAnalysis;
     if (mtype != kMtypeSymIndefinite && mtype != kMtypeSymPosDef) throw kErrSolverAnalysis;
-    if (!upperCsrValid(n, ia, ja)) throw kErrSolverAnalysis;
+    if (upperCsrFault(n, ia, ja)) throw kErrSolverAnalysis;
 
-    const SolveThreadScope threads(g_tuning.blasThreads > 0 ? g_tuning.blasThreads : kSolveThreads,
-                                   g_tuning.loopThreads > 0 ? g_tuning.loopThreads : kSolveThreads);
+    const std::lock_guard<std::mutex> turn(solveLock());
+    const SolveThreadScope threads(g_tuning.blasThreads > 0 ? g_tuning.blasThreads : kSolveThreads);
     CholmodCommon cc;
     cholmod_common* c = &cc.c;
     // Phase 1: analysis.
@@ -321,6 +364,11 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
     if (c->selected >= 0 && c->selected <= CHOLMOD_MAXMETHODS)
         g_lastTimes.factorFlops = c->method[c->selected].fl;
     g_lastTimes.givenOrderingUsed = perm && L->ordering == CHOLMOD_GIVEN;
+    // The analysis knows the factor's size: a solve the machine cannot hold
+    // is refused here, before any of it is allocated, and the dense kernels'
+    // buffer is mapped before the factor can take its room.
+    if (numericBytes(*L, *c, n, nrhs) > machineHeadroomBytes() || !blasBufferReady())
+        return Outcome::OutOfMemory;
     progressKick();
 
     DensePtr B(cholmod_allocate_dense(n, nrhs, n, CHOLMOD_REAL, c), DenseDel{c});
@@ -393,19 +441,21 @@ int pardisoSolverIC(int n, double* a, int* ia, int* ja, double* b, double* /*x*/
 }
 
 // This solver has no out-of-core mode, so the variant runs in core. It is a
-// host entry: the phase failures it would throw come back as its result.
+// host entry: the phase failures it would throw come back as its result, and
+// every result but success leaves a line in the log.
 extern "C" int pardisoSolverOOC(int n, float* a, int* ia, int* ja, float* b, float* x, int nrhs,
                                 int mtype) {
     constexpr const char* kEntry = "pardisoSolverOOC";
-    if (!a || !ia || !ja || !b) {
-        rkRefuse(kEntry, "a matrix array or b is null");
-        return kInvalidArgument;
-    }
-    if (n < 1 || nrhs < 1) {
-        rkRefuse(kEntry, "n and nrhs must be positive");
-        return kInvalidArgument;
-    }
-    return rkGuardEntry([&] { return pardisoSolverIC(n, a, ia, ja, b, x, nrhs, mtype); });
+    return rkGuardEntry(kEntry, [&] {
+        if (!a || !ia || !ja || !b) return rkRefuseWith(kEntry, "a matrix array or b is null");
+        if (n < 1 || nrhs < 1) return rkRefuseWith(kEntry, "n and nrhs must be positive");
+        if (mtype != kMtypeSymIndefinite && mtype != kMtypeSymPosDef)
+            return rkRefuseWith(kEntry, "mtype must be 2 or -2 (a symmetric matrix)");
+        if (const char* fault = upperCsrFault(n, ia, ja)) return rkRefuseWith(kEntry, fault);
+        const int solved = pardisoSolverIC(n, a, ia, ja, b, x, nrhs, mtype);
+        if (solved != 1) rkLogResult(kEntry, solved);
+        return solved;
+    });
 }
 
 int pardisoSolver(int n, float* a, int* ia, int* ja, float* b, float* x, int nrhs, int mtype,

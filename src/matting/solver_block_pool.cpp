@@ -44,7 +44,7 @@ void releaseIdle(Pool& p) {
 
 }  // namespace
 
-void* poolMalloc(std::size_t n, void* (*advise)(void*, std::size_t)) {
+void* poolMalloc(std::size_t n, void* (*advise)(void*, std::size_t)) noexcept {
     if (n < kPooledFrom) return std::malloc(n);
     Pool& p = pool();
     const std::lock_guard<std::mutex> hold(p.lock);
@@ -62,11 +62,20 @@ void* poolMalloc(std::size_t n, void* (*advise)(void*, std::size_t)) {
         return block;
     }
     void* block = advise(std::malloc(n), n);
-    if (block) p.capacity[block] = n;
+    if (!block) return nullptr;
+    // The record may need memory of its own; without it the block cannot be
+    // tracked, and the library is told "no memory" rather than an exception
+    // unwinding through its C frames.
+    try {
+        p.capacity[block] = n;
+    } catch (...) {
+        std::free(block);
+        return nullptr;
+    }
     return block;
 }
 
-void* poolCalloc(std::size_t count, std::size_t size, void* (*advise)(void*, std::size_t)) {
+void* poolCalloc(std::size_t count, std::size_t size, void* (*advise)(void*, std::size_t)) noexcept {
     if (size != 0 && count > static_cast<std::size_t>(-1) / size) return nullptr;
     const std::size_t n = count * size;
     if (n < kPooledFrom) return std::calloc(count, size);
@@ -75,7 +84,7 @@ void* poolCalloc(std::size_t count, std::size_t size, void* (*advise)(void*, std
     return block;
 }
 
-void* poolRealloc(void* old, std::size_t n, void* (*advise)(void*, std::size_t)) {
+void* poolRealloc(void* old, std::size_t n, void* (*advise)(void*, std::size_t)) noexcept {
     if (!old) return poolMalloc(n, advise);
     std::size_t had = 0;
     {
@@ -97,7 +106,7 @@ void* poolRealloc(void* old, std::size_t n, void* (*advise)(void*, std::size_t))
     return block;
 }
 
-void poolFree(void* block) {
+void poolFree(void* block) noexcept {
     if (!block) return;
     Pool& p = pool();
     {
@@ -107,9 +116,14 @@ void poolFree(void* block) {
             const std::size_t size = it->second;
             p.capacity.erase(it);
             if (p.scopes > 0 && p.idleBytes + size <= kPoolBytes) {
-                p.idle.emplace_back(block, size);
-                p.idleBytes += size;
-                return;
+                // Keeping it is an optimisation: without room in the list the
+                // block simply goes back to the heap.
+                try {
+                    p.idle.emplace_back(block, size);
+                    p.idleBytes += size;
+                    return;
+                } catch (...) {
+                }
             }
         }
     }

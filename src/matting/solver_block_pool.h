@@ -12,11 +12,13 @@
 #include <cstddef>
 
 // The library's allocation functions routed through the pool. advise is
-// applied to every block the pool takes from the system.
-void* poolMalloc(std::size_t n, void* (*advise)(void*, std::size_t));
-void* poolCalloc(std::size_t count, std::size_t size, void* (*advise)(void*, std::size_t));
-void* poolRealloc(void* p, std::size_t n, void* (*advise)(void*, std::size_t));
-void poolFree(void* p);
+// applied to every block the pool takes from the system. They are called from
+// C code: failure is a null result, never an exception.
+void* poolMalloc(std::size_t n, void* (*advise)(void*, std::size_t)) noexcept;
+void* poolCalloc(std::size_t count, std::size_t size,
+                 void* (*advise)(void*, std::size_t)) noexcept;
+void* poolRealloc(void* p, std::size_t n, void* (*advise)(void*, std::size_t)) noexcept;
+void poolFree(void* p) noexcept;
 
 class SolverBlockReuse {
   public:

@@ -34,7 +34,7 @@ void mergeWithBrush(cv::Mat& mask, const cv::Mat& brush, int mergeMode) {
 
 extern "C" KC_EXPORT int recoverBrushInfo(RKPSStructMsk2* request) {
     static constexpr const char* kEntry = "recoverBrushInfo";
-    return rkGuardEntry([&] {
+    return rkGuardEntry(kEntry, [&] {
         if (!checkKeepCutRequest(kEntry, request, KeepCutBuffers::MaskAndBrush))
             return kInvalidArgument;
         cv::Mat mask = regionMaskView(*request);

@@ -24,7 +24,7 @@ bool buffersUsable(const char* entry, const RKPSStructMsk2* r) {
 
 extern "C" KC_EXPORT int rkRecoverForegroundCell(RKPSStructMsk2* request, bool cellJob) {
     constexpr const char* kEntry = "rkRecoverForegroundCell";
-    return rkGuardEntry([&] {
+    return rkGuardEntry(kEntry, [&] {
         if (!buffersUsable(kEntry, request)) return kInvalidArgument;
         const RKPSStructMsk2& r = *request;
         // brushInfo is optional here, but a given one is read over the region.
@@ -46,8 +46,9 @@ extern "C" KC_EXPORT int rkRecoverForegroundCell(RKPSStructMsk2* request, bool c
 }
 
 extern "C" KC_EXPORT int rkRecoverDuringComputeOnly(RKPSStructMsk2* request) {
-    return rkGuardEntry([&] {
-        if (!buffersUsable("rkRecoverDuringComputeOnly", request)) return kInvalidArgument;
+    constexpr const char* kEntry = "rkRecoverDuringComputeOnly";
+    return rkGuardEntry(kEntry, [&] {
+        if (!buffersUsable(kEntry, request)) return kInvalidArgument;
         return recoverDuringComputeOnly(
             request, [](RKPSStructMsk2* tile) { return rkKeepCutToAlpha(tile, 0, true); });
     });

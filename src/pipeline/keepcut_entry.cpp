@@ -15,7 +15,7 @@
 #include "runtime/entry_guard.h"
 #include "runtime/progress.h"
 
-int maskv3Decimation = kDefaultDecimation;
+thread_local int maskv3Decimation = kDefaultDecimation;
 
 namespace {
 
@@ -120,6 +120,7 @@ int computeRegion(RKPSStructMsk2* request, int hiResPass) {
 extern "C" KC_EXPORT int rkKeepCutToAlpha(RKPSStructMsk2* request, int hiResPass,
                                           bool progressReady) {
     return rkGuardEntry(
+        kEntry,
         [&] {
             if (!checkKeepCutRequest(kEntry, request, KeepCutBuffers::All)) return kInvalidArgument;
             setUpProgress(*request, progressReady);

@@ -138,8 +138,8 @@ int rkMaskBBox(const unsigned short* map, int step, int width, int height, int* 
 extern "C" KC_EXPORT int rkMaskBBox(int is16Bit, const void* map, int step, int width, int height,
                                     int* x, int* w, int* y, int* h, int* countA, int* countB,
                                     int ignored, int valueA, int valueB) {
-    return rkGuardEntry([&] {
-        constexpr const char* kEntry = "rkMaskBBox";
+    constexpr const char* kEntry = "rkMaskBBox";
+    return rkGuardEntry(kEntry, [&] {
         if (!rkCheckBuffer(kEntry, "map", map, width, height, step, is16Bit ? 2 : 1))
             return kInvalidArgument;
         if (!x || !w || !y || !h) {

@@ -10,8 +10,8 @@
 
 // Decimation factor of the reduced solves; the main entry sets it to
 // kDefaultDecimation on every call and the strategies overwrite it with the
-// factor they used. Process-wide, like the rest of the entry's state.
-extern int maskv3Decimation;
+// factor they used. One per thread: it steers the request computing on it.
+extern thread_local int maskv3Decimation;
 inline constexpr int kDefaultDecimation = 9;
 
 // Where a reduced job sits inside the full request.

@@ -1,6 +1,7 @@
 // Message log ring and the entry guard that writes into it.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -56,30 +57,38 @@ TEST_F(MessageLog, NewestTextOverwritesOldestAfterWrap) {
     EXPECT_EQ(g_rkLastErrEnd, 0);
 }
 
+// Every failure the guard sees leaves the entry's line after whatever text
+// the failure kind calls for; a success leaves the log empty.
 TEST_F(MessageLog, GuardMapsEveryFailureKind) {
-    EXPECT_EQ(rkGuardEntry([] { return 1; }), 1);
-    EXPECT_STREQ(getErrMsg(), "");
-
-    EXPECT_EQ(rkGuardEntry([]() -> int { throw 121; }), 121);
-    EXPECT_EQ(rkGuardEntry([]() -> int { throw -5; }), -5);
-    EXPECT_STREQ(getErrMsg(), "");  // codes pass through silently
-
-    EXPECT_EQ(rkGuardEntry([]() -> int { throw std::bad_alloc(); }), -6);
-    EXPECT_STREQ(getErrMsg(), kOutOfMemoryText);
-    clearErrMsg();
-    EXPECT_EQ(rkGuardEntry([]() -> int { throw RkBase::RKRC(); }), -6);
-    EXPECT_STREQ(getErrMsg(), kOutOfMemoryText);
-    clearErrMsg();
-
-    EXPECT_EQ(rkGuardEntry([]() -> int { throw std::runtime_error("x"); }), -6);
-    EXPECT_STREQ(getErrMsg(), "Unknown Engine Error.");
-    clearErrMsg();
-    EXPECT_EQ(
-        rkGuardEntry([]() -> int { throw "CProgMsg - done "; }, UnknownFailureText::OutOfMemory),
-        -6);
-    EXPECT_STREQ(getErrMsg(),
-                 "Out of System Memory !! \nPlease close unused applications or try smaller "
-                 "pictures.");
+    const std::string oom = kOutOfMemoryText;
+    struct Case {
+        std::function<int()> body;
+        UnknownFailureText unknown;
+        int result;
+        std::string log;
+    };
+    const Case cases[] = {
+        {[] { return 1; }, UnknownFailureText::Unknown, 1, ""},
+        {[]() -> int { throw 121; }, UnknownFailureText::Unknown, 121,
+         "\nentry: result 121, the direct solver's analysis failed\n"},
+        {[]() -> int { throw -5; }, UnknownFailureText::Unknown, -5,
+         "\nentry: result -5, not enough keep and cut strokes to compute\n"},
+        {[]() -> int { throw 77; }, UnknownFailureText::Unknown, 77,
+         "\nentry: result 77, an undocumented failure\n"},
+        {[]() -> int { throw std::bad_alloc(); }, UnknownFailureText::Unknown, -6,
+         oom + "\nentry: result -6, out of memory or an unexpected failure\n"},
+        {[]() -> int { throw RkBase::RKRC(); }, UnknownFailureText::Unknown, -6,
+         oom + "\nentry: result -6, out of memory or an unexpected failure\n"},
+        {[]() -> int { throw std::runtime_error("x"); }, UnknownFailureText::Unknown, -6,
+         "Unknown Engine Error.\nentry: result -6, out of memory or an unexpected failure\n"},
+        {[]() -> int { throw "CProgMsg - done "; }, UnknownFailureText::OutOfMemory, -6,
+         oom + "\nentry: result -6, out of memory or an unexpected failure\n"},
+    };
+    for (const Case& c : cases) {
+        clearErrMsg();
+        EXPECT_EQ(rkGuardEntry("entry", c.body, c.unknown), c.result);
+        EXPECT_EQ(std::string(getErrMsg()), c.log);
+    }
 }
 
 TEST_F(MessageLog, GuardFreesLocalsOnEveryPath) {
@@ -88,7 +97,7 @@ TEST_F(MessageLog, GuardFreesLocalsOnEveryPath) {
         Tracked() { ++alive; }
         ~Tracked() { --alive; }
     };
-    rkGuardEntry([]() -> int {
+    rkGuardEntry("entry", []() -> int {
         Tracked a, b;
         throw 102;
     });
