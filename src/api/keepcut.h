@@ -2,14 +2,40 @@
 
    Conventions, stated once:
    - Every entry has C linkage and may be called from C99 or C++.
-   - Results are ints; 1 is success unless an entry says otherwise. Failures
-     also append a line to the message log (getErrMsg). No entry throws or
-     aborts: every C++ failure is turned into a result at the boundary.
+   - Results are ints; 1 is success unless an entry says otherwise. Every
+     other result also appends a line to the message log (getErrMsg) naming
+     the entry, the result and its meaning, e.g.
+     "rkKeepCutToAlpha: result -5, not enough keep and cut strokes to compute".
+     No entry throws, aborts or hangs: every C++ failure, including running
+     out of memory inside the solver, is turned into a result at the boundary.
+   - The results an entry can return are listed with it. Their meanings are
+     the same everywhere:
+        1    success
+        0    the solver ran out of memory (pardisoSolverOOC only)
+       -1    a piece of the job (a KD-tree cell) is too large to solve in the
+             memory available
+       -2    invalid argument (the log line says which)
+       -5    not enough keep and cut strokes to compute
+       -6    out of memory or an unexpected failure; the log also holds
+             "Out of System Memory !! ..." or "Unknown Engine Error."
+      102    an image or work buffer could not be allocated
+      121, 122, 123
+             the direct solver's analysis, factorisation or solve failed
+      125    the direct solver ran out of memory, or the machine cannot hold
+             the factor the analysis predicted
+      130    a matting work array could not be allocated
    - Buffers are owned by the host; the engine never keeps a pointer past the
      call that received it. Pointers returned by the engine are owned by the
      engine unless an entry says otherwise.
-   - Process-wide state (message log, progress counter) has no lock: one
-     request at a time. */
+   - Threads: computing entries may run at the same time on different host
+     threads as long as each works on its own request record and buffers;
+     each call's result is then the same as if it ran alone. What steers a
+     computation is per calling thread: the progress callback and counter
+     (setProgProc and the request's progProc) apply to calls made from the
+     thread that installed them. The message log is one for the process and
+     locked: lines from two threads may interleave, and the text getErrMsg
+     returns may be changed by another thread's next append. The direct
+     solves of two threads take turns. */
 #ifndef KEEPCUT_H
 #define KEEPCUT_H
 
@@ -131,13 +157,22 @@ typedef struct RKPSStructMsk2 {
 } RKPSStructMsk2;
 
 /* Box around the work left in a brush map of width x height (1 byte per pixel,
-   or 2 when is16Bit is non-zero; step in bytes): every value other than valueA
-   and valueB, widened by 12 pixels on each side and clipped to the map. Writes
-   the box to x, w, y, h; when it is lower than 24 rows, writes zeros and -1
-   counts instead. countA and countB (both may be null) receive how many box
-   pixels equal valueA and valueB. `ignored` is unused. Returns 1; -2 (with a
-   log line) for a null map or box pointer, a negative size or rows shorter
-   than the width. */
+   or 2 when is16Bit is non-zero; step in bytes): the rows and columns that
+   hold a value other than valueA and valueB.
+   - The first such row and column, moved 12 pixels out (not below 0), are the
+     box's top and left.
+   - Its bottom and right are the last such row below the top and column right
+     of the left, moved 12 pixels out (not beyond the map). When none lies
+     beyond, the box ends at its top row or left column: work only in column 0
+     gives a box 1 wide there; work only in row 0 gives a box 1 high.
+   - When the box is lower than 24 rows (its width is never tested), x, w, y, h
+     get zeros and both counts -1.
+   Otherwise the box goes to x, w, y, h, and countA and countB (both may be
+   null; counted only when both are given) receive how many box pixels equal
+   valueA and valueB. When no column of those rows holds work, nothing is
+   written. `ignored` is unused.
+   Results: 1; -2 for a null map or box pointer, a negative size or rows
+   shorter than the width; -6. */
 KC_EXPORT int rkMaskBBox(int is16Bit, const void* map, int step, int width, int height, int* x,
                          int* w, int* y, int* h, int* countA, int* countB, int ignored, int valueA,
                          int valueB);
@@ -164,21 +199,26 @@ KC_EXPORT int rkMaskBBox(int is16Bit, const void* map, int step, int width, int 
    recoverForeground set, the foreground colours of the region are then
    recovered into `foreground` (see rkRecoverForegroundCell).
 
-   Results: 1 on success; -2 (with a log line, nothing touched) for a null
-   request, image, mask or brushInfo (or foreground when recoverForeground is
-   set), a negative size, rows shorter than the width, or an empty region or
-   one outside the picture; -5 when a whole-picture job lacks keep or cut
+   cellMode is 0 (whole picture) or 1..16383 (a region job; on the coarse pass
+   regions of 968 x 968 pixels or more hold a known rim 2 x cellMode + 1
+   pixels thick at half size, and a drawn line is at most 32767 thick).
+
+   Results: 1 on success; -2 (nothing touched) for a null request, image, mask
+   or brushInfo (or foreground when recoverForeground is set), a negative size,
+   rows shorter than the width, an empty region or one outside the picture, or
+   a cellMode outside 0..16383; -5 when a whole-picture job lacks keep or cut
    strokes; -1 when one KD-tree cell would outgrow a solve; -6 with
    "Out of System Memory !! ..." in the log when memory ran out or anything
-   else failed. On every failure after the checks the painted bytes are back
-   in `mask`; other bytes hold whatever the failed computation left. */
+   else failed; 102, 121, 122, 123, 125 or 130 when a buffer, the solver or
+   a matting array failed (see the conventions above). On every failure after
+   the checks the painted bytes are back in `mask`; other bytes hold whatever
+   the failed computation left. */
 KC_EXPORT int rkKeepCutToAlpha(RKPSStructMsk2* request, int hiResPass, bool progressReady);
 
 /* Over the request's region: where `brushInfo` is odd (painted), `mask` takes
    that byte; elsewhere `mask` keeps its value with bit 0 cleared. Returns 1;
-   -2 (with a log line) for a null request, mask or brushInfo, a negative size,
-   rows shorter than the width, or an empty region or one outside the
-   picture. */
+   -2 for a null request, mask or brushInfo, a negative size, rows shorter
+   than the width, or an empty region or one outside the picture. */
 KC_EXPORT int recoverBrushInfo(RKPSStructMsk2* request);
 
 /* ---- foreground recovery ------------------------------------------------- */
@@ -199,7 +239,8 @@ KC_EXPORT int recoverBrushInfo(RKPSStructMsk2* request);
    Returns 1; -2 (with a log line) for a null request, image, mask or
    foreground, a negative size, rows shorter than the width (a given
    brushInfo's included), or an empty region or one outside the picture; -6
-   when memory ran out. */
+   when memory ran out; 102, 121, 122, 123, 125 or 130 when a buffer or the
+   colour solve failed (see the conventions above). */
 KC_EXPORT int rkRecoverForegroundCell(RKPSStructMsk2* request, bool cellJob);
 
 /* Computes alpha and recovers the foreground over the whole picture in tiles
@@ -208,9 +249,9 @@ KC_EXPORT int rkRecoverForegroundCell(RKPSStructMsk2* request, bool cellJob);
    and recoverForeground set, merged into `mask` by mergeMode); other tiles
    only advance the progress. The request's own region and `brushInfo` are
    neither read nor changed (a private copy of the map serves as brushInfo).
-   Returns 1 (a tile's failure is in the log, and the pass goes on); -2 (with
-   a log line) for a null request, image, mask or foreground, a negative size
-   or rows shorter than the width. */
+   Returns 1 (a tile's failure is in the log, and the pass goes on); -2 for a
+   null request, image, mask or foreground, a negative size or rows shorter
+   than the width; -6 or 102 when the pass's own memory ran out. */
 KC_EXPORT int rkRecoverDuringComputeOnly(RKPSStructMsk2* request);
 
 /* ---- sparse direct solver ------------------------------------------------ */
@@ -220,10 +261,13 @@ KC_EXPORT int rkRecoverDuringComputeOnly(RKPSStructMsk2* request);
    values, ia: n + 1 row starts, ja: columns). The solution is written over b
    (nrhs right-hand sides of n values each); x is unused workspace and may be
    null. mtype 2 is positive definite, -2 symmetric indefinite. All arrays are
-   the caller's and are only read during the call, except b. Returns 1 on
-   success; 0 when memory ran out; 121, 122 or 123 when the analysis, the
-   factorisation or the solve failed; -2 (with a log line) for null arrays or
-   a non-positive n or nrhs; -6 for any other failure. */
+   the caller's and are only read during the call, except b. Each row's
+   columns must ascend strictly (no column twice). Returns 1 on success; 0
+   when memory ran out or the machine cannot hold the factor; 121, 122 or 123
+   when the analysis, the factorisation or the solve failed; -2 for null
+   arrays, a non-positive n or nrhs, an mtype other than 2 or -2, or rows
+   that are not upper-triangular one-based compressed rows as described; -6
+   for any other failure. */
 KC_EXPORT int pardisoSolverOOC(int n, float* a, int* ia, int* ja, float* b, float* x, int nrhs,
                                int mtype);
 

@@ -133,7 +133,9 @@ TEST(KeepCutEntry, OnlyKeepStrokesFailsWithStrokesRestored) {
         job.mask.setTo(100, job.mask == RK_MASK_CUT);  // cut strokes become band
         job.mask.copyTo(job.brush);
         const cv::Mat before = job.mask.clone();
+        clearErrMsg();
         EXPECT_EQ(rkKeepCutToAlpha(&job.request, hiRes, false), -5);
+        EXPECT_TRUE(logHas("rkKeepCutToAlpha: result -5, not enough keep and cut strokes"));
         expectPaintedIntact(before, job.mask, cv::Rect(0, 0, kW, kH));
     }
 }
@@ -211,6 +213,9 @@ TEST(KeepCutEntry, RefusesUnusableRequests) {
         {"region off the right", [](RKPSStructMsk2& r) { r.roiX = 1; }},
         {"region above", [](RKPSStructMsk2& r) { r.roiY = -1; }},
         {"empty region", [](RKPSStructMsk2& r) { r.roiWidth = 0; }},
+        {"negative cellMode", [](RKPSStructMsk2& r) { r.cellMode = -1; }},
+        {"rim beyond drawing", [](RKPSStructMsk2& r) { r.cellMode = 16384; }},
+        {"rim overflowing", [](RKPSStructMsk2& r) { r.cellMode = 1 << 30; }},
     };
     for (const auto& s : spoilers) {
         SCOPED_TRACE(s.what);
