@@ -7,7 +7,7 @@
 //   bench_matting --at N [--repeat R] OPTIONS [--vs OPTIONS ...]
 // --at measures variants of the direct solver in turn at one size (options:
 // --ordering given|given-amd|amd|default|metis|given-metis, --threads T,
-// --loop-threads T, --relax n0,n1,n2,z0,z1,z2, --small-pages, --simplicial).
+// --relax n0,n1,n2,z0,z1,z2, --small-pages, --simplicial).
 // --compare also measures the direct solver's alternatives (orderings,
 // simplicial factorisation) at 0.2 million unknowns.
 #include <algorithm>
@@ -230,8 +230,6 @@ int main(int argc, char** argv) {
             tuning.ordering = orderingNamed(argv[++i]);
         if (!std::strcmp(argv[i], "--threads") && i + 1 < argc)
             tuning.blasThreads = std::atoi(argv[++i]);
-        if (!std::strcmp(argv[i], "--loop-threads") && i + 1 < argc)
-            tuning.loopThreads = std::atoi(argv[++i]);
         if (!std::strcmp(argv[i], "--simplicial")) tuning.supernodal = false;
         if (!std::strcmp(argv[i], "--small-pages")) tuning.hugePages = false;
         if (!std::strcmp(argv[i], "--relax") && i + 1 < argc)

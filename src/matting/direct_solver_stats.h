@@ -1,6 +1,6 @@
-// What the last direct solve did, and the knobs the benchmark turns to compare
-// factorisations and orderings. Process-wide, like the rest of the engine's
-// request state (one request at a time).
+// What the calling thread's last direct solve did, and the knobs the
+// benchmark turns to compare factorisations and orderings (process-wide; set
+// by measurements only, never by the engine).
 #pragma once
 
 struct DirectSolveTimes {
@@ -31,10 +31,9 @@ struct DirectSolveTuning {
     // fractions of explicit zeros; zero keeps the library's value.
     int nrelax[3] = {0, 0, 0};
     double zrelax[3] = {0.0, 0.0, 0.0};
-    // Threads of the dense kernels and of the factorisation's own parallel
-    // loops; zero keeps the engine's choice.
+    // Threads of the dense kernels; zero keeps the engine's choice. (The
+    // factorisation's own loops always run on the calling thread.)
     int blasThreads = 0;
-    int loopThreads = 0;
     // Large blocks of the factorisation on 2 MB pages where the system allows.
     bool hugePages = true;
 };
