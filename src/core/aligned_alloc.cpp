@@ -1,12 +1,25 @@
 // Aligned allocation for images and vectors, with a failure hook for tests.
 #include "core/aligned_alloc.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <limits>
 
 namespace {
 std::atomic<int> g_failCountdown{0};
+// Image allocations still to let through, then image allocations to refuse.
+std::atomic<int> g_imageAllocsBeforeFailure{0};
+std::atomic<int> g_failingImageAllocs{0};
+
+bool consumeImageFailure() {
+    if (g_failingImageAllocs.load(std::memory_order_relaxed) <= 0) return false;
+    if (g_imageAllocsBeforeFailure.load(std::memory_order_relaxed) > 0) {
+        g_imageAllocsBeforeFailure.fetch_sub(1, std::memory_order_relaxed);
+        return false;
+    }
+    return g_failingImageAllocs.fetch_sub(1, std::memory_order_relaxed) > 0;
+}
 
 bool consumeInjectedFailure() {
     int n = g_failCountdown.load(std::memory_order_relaxed);
@@ -34,6 +47,11 @@ void* kcAlignedAllocRows(long long rowBytes, int h, int* step) {
     void* p = alignedBytes(s * h);
     if (p && step) *step = static_cast<int>(s);
     return p;
+}
+
+void* kcAlignedAllocImageRows(long long rowBytes, int h, int* step) {
+    if (consumeImageFailure()) return nullptr;
+    return kcAlignedAllocRows(rowBytes, h, step);
 }
 
 void kcAlignedFree(void* p) {
@@ -65,5 +83,12 @@ void ippsFree(void* p) {
 namespace kc::testing {
 void failNextAlignedAllocs(int n) {
     g_failCountdown.store(n);
+}
+void failImageAllocs(int after, int n) {
+    g_imageAllocsBeforeFailure.store(after > 0 ? after : 0);
+    g_failingImageAllocs.store(n);
+}
+int imageAllocFailuresLeft() {
+    return std::max(0, g_failingImageAllocs.load());
 }
 }  // namespace kc::testing

@@ -53,7 +53,7 @@ class IMG {
         }
         const long long wb = static_cast<long long>(w) * C * static_cast<long long>(sizeof(T));
         int alignedStep = 0;
-        void* block = kcAlignedAllocRows(wb, h, &alignedStep);
+        void* block = kcAlignedAllocImageRows(wb, h, &alignedStep);
         if (block) {
             step = alignedStep;
             ippAlloc = true;

@@ -7,6 +7,7 @@
 
 #include "api/keepcut.h"
 #include "core/borders.h"
+#include "core/shared_step_planes.h"
 #include "filters/cross_bilateral.h"
 #include "matting/cfmatt.h"
 #include "pipeline/comp_pixels.h"
@@ -49,7 +50,8 @@ void refineAlphaTiles(GIMG<unsigned char>** planes, GIMG<unsigned char>* known,
     GIMG<unsigned char> knownWork(tw, th);
     cv::Mat alphaWorkMat = byteView(alphaWork, 0, 0, tw, th);
     cv::Mat knownWorkMat = byteView(knownWork, 0, 0, tw, th);
-    const int planeStep = planes[0]->step;
+    const SharedStepPlanes shared(planes);
+    const int planeStep = shared.step;
 
     for (const RefineTile& tile : layout.tiles) {
         GIMG<unsigned char> knownTile(tw, th, imgPtr(*known, tile.x, tile.y), known->step);
@@ -62,7 +64,7 @@ void refineAlphaTiles(GIMG<unsigned char>** planes, GIMG<unsigned char>* known,
 
         unsigned char* tilePlanes[kColourPlanes];
         for (int c = 0; c < kColourPlanes; ++c)
-            tilePlanes[c] = imgPtr(planes[c]->ptr(), planeStep, tile.x, tile.y);
+            tilePlanes[c] = imgPtr(shared.ptr[c], planeStep, tile.x, tile.y);
         solve(tilePlanes, planeStep, tw, th, knownWork.ptr(), knownWork.step, alphaWork.ptr(),
               alphaWork.step);
         if (filter) {

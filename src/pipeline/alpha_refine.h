@@ -21,8 +21,8 @@ void refineSolveTileClosedForm(unsigned char** planes, int planeStep, int width,
 
 // The tiling loop with the tile side and the solver given: tiles with at most
 // 5 unknown pixels are skipped, the seam bands of inner sides are held fixed,
-// and only unknown pixels of alpha change. planes share the row bytes of the
-// first plane.
+// and only unknown pixels of alpha change. The planes may have different row
+// bytes; the solver is handed them under one.
 void refineAlphaTiles(GIMG<unsigned char>** planes, GIMG<unsigned char>* known,
                       GIMG<unsigned char>* alpha, bool filter, int side,
                       const RefineTileSolver& solve);

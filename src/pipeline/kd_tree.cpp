@@ -17,8 +17,6 @@ constexpr int kMinCellSide = 12;
 constexpr int kKnownForegroundMin = 6;
 // Unknown pixels one leaf may hold: beyond this a single solve outgrows memory.
 constexpr int kMaxLeafUnknowns = 2000000;
-// Thrown when a leaf exceeds kMaxLeafUnknowns; the main entry returns it.
-constexpr int kErrCellTooLarge = -1;
 // Context around a leaf during its solve, so that its edges see neighbours.
 constexpr int kLeafMargin = 10;
 // The stamped rectangle runs from this corner of the widened box to kStampFar

@@ -15,6 +15,11 @@
 
 class CFMatt;
 
+// Thrown (as a bare int) when a piece of the job is too large for the memory
+// available: a leaf with too many unknown pixels, or a reduced problem beyond
+// the memory budget. The main entry returns it.
+inline constexpr int kErrCellTooLarge = -1;
+
 // Which pass of the traversal solves a leaf.
 enum TreePriority : int {
     kTreePriorityOrdinary = 0,     // an ordinary leaf, solved in the second pass

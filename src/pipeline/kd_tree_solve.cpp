@@ -3,6 +3,7 @@
 // pyramid has level 0 only, and neither smoothing nor upsampling has any work.
 #include "pipeline/kd_tree_solve.h"
 
+#include "core/shared_step_planes.h"
 #include "matting/cfmatt.h"
 #include "pipeline/comp_pixels.h"
 #include "pyramid/mask_pyramid.h"
@@ -25,15 +26,15 @@ int compAlphaKDTree(GIMG<unsigned char>** images, GIMG<unsigned char>* known,
     pyramid.build(images, known, alpha, kSolveLevel);
     GIMG<unsigned char>* levelKnown = pyramid.getConstPtr(kSolveLevel);
     GIMG<unsigned char>* levelAlpha = pyramid.getAlphaPtr(kSolveLevel);
-    unsigned char* planes[CMaskPyr::kChannels];
+    GIMG<unsigned char>* levelPlanes[CMaskPyr::kChannels];
     for (int c = 0; c < CMaskPyr::kChannels; ++c)
-        planes[c] = pyramid.getRGBPtr(kSolveLevel, c)->ptr();
+        levelPlanes[c] = pyramid.getRGBPtr(kSolveLevel, c);
+    SharedStepPlanes planes(levelPlanes);
 
     CFMatt matt;
     matt.setSolver(true);
-    matt.CompAlphaMap(planes, pyramid.getRGBPtr(kSolveLevel, 0)->step, levelKnown->width(),
-                      levelKnown->height(), levelKnown->ptr(), levelKnown->step, levelAlpha->ptr(),
-                      levelAlpha->step);
+    matt.CompAlphaMap(planes.ptr, planes.step, levelKnown->width(), levelKnown->height(),
+                      levelKnown->ptr(), levelKnown->step, levelAlpha->ptr(), levelAlpha->step);
 
     // Smoothing only ever applies between levels, and a one-level pyramid has
     // none; level 0 still asks the pyramid to bring its alpha down.

@@ -4,6 +4,7 @@
 // finer colours matter.
 #include <algorithm>
 
+#include "core/shared_step_planes.h"
 #include "filters/cross_bilateral.h"
 #include "matting/cfmatt.h"
 #include "pipeline/alpha_refine.h"
@@ -58,22 +59,23 @@ int rkMapAlphaProc(GIMG<unsigned char>** planes, GIMG<unsigned char>* known,
     if (static_cast<long long>(coarseKnown->width()) * coarseKnown->height() - unknown < 1)
         return kErrNotEnoughStrokes;
 
-    unsigned char* coarsePlanes[CMaskPyr::kChannels];
-    for (int c = 0; c < CMaskPyr::kChannels; ++c)
-        coarsePlanes[c] = pyramid.getRGBPtr(depth, c)->ptr();
-    const int coarseStep = pyramid.getRGBPtr(depth, 0)->step;
     {
-        CFMatt matt;
-        matt.setSolver(true);
-        matt.CompAlphaMap(coarsePlanes, coarseStep, coarseKnown->width(), coarseKnown->height(),
-                          coarseKnown->ptr(), coarseKnown->step, coarseAlpha->ptr(),
-                          coarseAlpha->step);
-    }
-    if (refine) {
-        unsigned char* alphaPlane[] = {coarseAlpha->ptr()};
-        CBLFRGB(coarseAlpha->width(), coarseAlpha->height(), alphaPlane, coarseAlpha->step, 1,
-                coarsePlanes, coarseStep, CMaskPyr::kChannels, kSmoothRadius, kSmoothRange,
-                kSmoothSpace, kSmoothCentre);
+        GIMG<unsigned char>* levelPlanes[CMaskPyr::kChannels];
+        for (int c = 0; c < CMaskPyr::kChannels; ++c) levelPlanes[c] = pyramid.getRGBPtr(depth, c);
+        SharedStepPlanes coarse(levelPlanes);
+        {
+            CFMatt matt;
+            matt.setSolver(true);
+            matt.CompAlphaMap(coarse.ptr, coarse.step, coarseKnown->width(), coarseKnown->height(),
+                              coarseKnown->ptr(), coarseKnown->step, coarseAlpha->ptr(),
+                              coarseAlpha->step);
+        }
+        if (refine) {
+            unsigned char* alphaPlane[] = {coarseAlpha->ptr()};
+            CBLFRGB(coarseAlpha->width(), coarseAlpha->height(), alphaPlane, coarseAlpha->step, 1,
+                    coarse.ptr, coarse.step, CMaskPyr::kChannels, kSmoothRadius, kSmoothRange,
+                    kSmoothSpace, kSmoothCentre);
+        }
     }
 
     if (level == 0) {

@@ -4,6 +4,7 @@
 // brought back to full size.
 #include <algorithm>
 
+#include "core/shared_step_planes.h"
 #include "matting/cfmatt.h"
 #include "matting/solver_block_pool.h"
 #include "pipeline/alpha_smoothing.h"
@@ -24,6 +25,13 @@ constexpr double kAreaPerFactorStep = 251001.0;
 constexpr float kMinFactor = 2.0f;
 // The reduced width never drops below this many columns.
 constexpr int kMinReducedWidth = 501;
+// Bytes one pixel of the reduced problem certainly costs while it is alive:
+// its known map, mask, four-byte picture and three colour planes (9), and,
+// while the alpha is carried back to full size, that alpha and the colours as
+// floats (4 + 16) beside the four float coefficient maps (16).
+constexpr double kReducedPixelBytes = 45.0;
+// usableMemInMB() counts units of 1000 budget bytes.
+constexpr double kBudgetUnit = 1000.0;
 // Painted keep and cut after the known map's bit widening.
 constexpr unsigned char kWidenedKeep = 255;
 constexpr unsigned char kWidenedCut = 0;
@@ -56,6 +64,16 @@ StrokeCounts countStrokes(const cv::Mat& known, const cv::Mat& alpha, bool paint
         }
     }
     return c;
+}
+
+// Refuses, as a cell too large, a reduced problem of lw x rows pixels that the
+// memory budget cannot hold, before anything of that size is allocated. Only
+// slivers come near: their width is widened to kMinReducedWidth columns and
+// their height follows, so a 2 x 2000 picture would become 501 x 501000
+// (rows is taken before any conversion to int, which it may not fit).
+void refuseBeyondBudget(int lw, double rows) {
+    if (static_cast<double>(lw) * rows * kReducedPixelBytes > usableMemInMB() * kBudgetUnit)
+        throw kErrCellTooLarge;
 }
 
 // Builds, checks and solves the tree over the given reduced problem: leaves
@@ -105,12 +123,15 @@ void computeAlphaKDTreeHiRes(RKPSStructMsk2* request, bool smooth, float sigma) 
         d = std::max(std::min(static_cast<float>(kDefaultDecimation), areaRatio), kMinFactor);
     }
     maskv3Decimation = static_cast<int>(d);
-    int lw = w / maskv3Decimation, lh = h / maskv3Decimation;
+    int lw = w / maskv3Decimation;
+    double rows = h / maskv3Decimation;
     if (lw < kMinReducedWidth) {
         lw = kMinReducedWidth;
-        lh = static_cast<int>(static_cast<double>(kMinReducedWidth) / w * h);
+        rows = static_cast<double>(kMinReducedWidth) / w * h;
     }
-    lh = std::max(lh, kMinReducedSide);  // a very flat region still gets a 3 x 3 window
+    refuseBeyondBudget(lw, rows);
+    // A very flat region still gets a 3 x 3 window.
+    const int lh = std::max(static_cast<int>(rows), kMinReducedSide);
 
     const cv::Size reduced(lw, lh);
     cv::Mat smallKnown = resizeNearest(known, reduced);
@@ -181,13 +202,14 @@ void computeAlphaKDTreePyramid(RKPSStructMsk2* request) {
 
     CFMatt matt;
     matt.setSolver(true);
-    unsigned char* halfPlanes[CMaskPyr::kChannels];
+    GIMG<unsigned char>* levelPlanes[CMaskPyr::kChannels];
     cv::Mat halfPlaneMats[4];
     for (int c = 0; c < CMaskPyr::kChannels; ++c) {
         GIMG<unsigned char>* p = pyramid.getRGBPtr(kTreeLevel, c);
-        halfPlanes[c] = p->ptr();
+        levelPlanes[c] = p;
         halfPlaneMats[c] = cv::Mat(hh, hw, CV_8UC1, p->ptr(), static_cast<size_t>(p->step));
     }
+    SharedStepPlanes halfPlanes(levelPlanes);
     // The tree's four-byte picture: the picture itself when the level kept the
     // full width, else the half-size planes interleaved.
     cv::Mat halfPicture;
@@ -197,10 +219,9 @@ void computeAlphaKDTreePyramid(RKPSStructMsk2* request) {
         halfPlaneMats[3] = cv::Mat::zeros(hh, hw, CV_8UC1);
         cv::merge(halfPlaneMats, 4, halfPicture);
     }
-    solveByTree(halfKnown->ptr(), halfKnown->step, halfPlanes,
-                pyramid.getRGBPtr(kTreeLevel, 0)->step, halfAlpha->ptr(), halfAlpha->step,
-                halfPicture.data, static_cast<int>(halfPicture.step), hw, hh, matt, nullptr,
-                nullptr);
+    solveByTree(halfKnown->ptr(), halfKnown->step, halfPlanes.ptr, halfPlanes.step,
+                halfAlpha->ptr(), halfAlpha->step, halfPicture.data,
+                static_cast<int>(halfPicture.step), hw, hh, matt, nullptr, nullptr);
     pyramid.upSampling();
 
     // Results go to unpainted pixels only; painted keep and cut pixels show

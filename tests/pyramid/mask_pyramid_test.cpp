@@ -7,8 +7,10 @@
 #include <array>
 #include <memory>
 #include <random>
+#include <string>
 #include <vector>
 
+#include "core/aligned_alloc.h"
 #include "pyramid_test_support.h"
 
 using pyrtest::Grid;
@@ -159,6 +161,33 @@ TEST(MaskPyramid, UpSamplingOneLevelClampsToTheTopLevel) {
                 EXPECT_EQ(l1.at(x, y), 200) << x << "," << y;
             }
     EXPECT_EQ(pyrtest::maxAbsDiff(pyrtest::toGrid(*in.alpha()), level0), 0);
+}
+
+// Owned levels on the heap fallback have other row steps than the aligned
+// ones and than each other: building and carrying the alpha back up must give
+// the same bytes whichever level image (or all of them) took that path.
+TEST(MaskPyramid, HeapFallbackOfAnyLevelImageChangesNoByte) {
+    auto run = [](int after, int failing) {
+        Level0 in(37, 29, 8);  // odd sides: every level repeats an edge
+        kc::testing::failImageAllocs(after, failing);
+        CMaskPyr pyr;
+        EXPECT_EQ(in.build(pyr, 3), 0);
+        kc::testing::failImageAllocs(0, 0);
+        std::vector<Grid<Byte>> out;
+        for (int l = 1; l <= 3; ++l)
+            for (Plane* p : levelPlanes(pyr, l)) out.push_back(pyrtest::toGrid(*p));
+        pyr.upSampling();
+        out.push_back(pyrtest::toGrid(*in.alpha()));
+        return out;
+    };
+    const auto normal = run(0, 0);
+    constexpr int kOwnedImages = 3 * 5;
+    for (int k = -1; k < kOwnedImages; ++k) {
+        SCOPED_TRACE(k < 0 ? std::string("all on the heap") : "image " + std::to_string(k + 1));
+        const auto got = k < 0 ? run(0, kOwnedImages) : run(k, 1);
+        for (size_t i = 0; i < normal.size(); ++i)
+            EXPECT_EQ(pyrtest::maxAbsDiff(got[i], normal[i]), 0) << "plane " << i;
+    }
 }
 
 // A picture of two colours split by a slanted edge, with its exact matte as
