@@ -12,8 +12,11 @@
      the same everywhere:
         1    success
         0    the solver ran out of memory (pardisoSolverOOC only)
-       -1    a piece of the job (a KD-tree cell) is too large to solve in the
-             memory available
+       -1    a piece of the job is too large to solve in the memory
+             available: a KD-tree cell with more than 2,000,000 unknown
+             pixels, or on the full-resolution pass a reduced problem beyond
+             the memory budget (a very thin picture or region); refused
+             before the large allocations
        -2    invalid argument (the log line says which)
        -5    not enough keep and cut strokes to compute
        -6    out of memory or an unexpected failure; the log also holds
