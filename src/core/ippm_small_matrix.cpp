@@ -3,6 +3,7 @@
 // Work happens in double even for float matrices.
 #include "core/ippm_small_matrix.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -21,6 +22,31 @@ struct Strided {
                                      static_cast<std::ptrdiff_t>(i) * s1 +
                                      static_cast<std::ptrdiff_t>(j) * s2);
     }
+};
+
+// Zeroed scratch of n doubles: on the stack for the small systems solved once
+// per pixel (the 13 x 4 window fit of the coefficient upsampling, where three
+// heap blocks per pixel cost more than the arithmetic), on the heap beyond.
+class Scratch {
+  public:
+    explicit Scratch(std::size_t n) {
+        if (n > kOnStack) {
+            heap_.assign(n, 0.0);
+            data_ = heap_.data();
+        } else {
+            std::fill_n(onStack_, n, 0.0);
+        }
+    }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+    double& operator[](std::size_t i) { return data_[i]; }
+
+  private:
+    // Room for a 13 x 4 fit with some to spare.
+    static constexpr std::size_t kOnStack = 64;
+    double onStack_[kOnStack];
+    std::vector<double> heap_;
+    double* data_ = onStack_;
 };
 
 bool badStrides(std::initializer_list<int> strides) {
@@ -111,11 +137,11 @@ IppStatus ippmQRDecomp_m_32f(const Ipp32f* src, int s1, int s2, Ipp32f* buffer, 
     if (w <= 0 || h < w) return ippStsSizeErr;
     if (badStrides({s1, s2, d1, d2})) return ippStsStepErr;
     const Strided<const Ipp32f> a{src, s1, s2};
-    std::vector<double> m(static_cast<size_t>(h) * w);
+    Scratch m(static_cast<size_t>(h) * w);
     auto at = [&](int i, int j) -> double& { return m[static_cast<size_t>(i) * w + j]; };
     for (int i = 0; i < h; ++i)
         for (int j = 0; j < w; ++j) at(i, j) = a(i, j);
-    std::vector<double> v(h);
+    Scratch v(h);
     for (int k = 0; k < w; ++k) {
         double norm2 = 0.0;
         for (int i = k; i < h; ++i) norm2 += at(i, k) * at(i, k);
@@ -149,7 +175,7 @@ IppStatus ippmQRBackSubst_mv_32f(const Ipp32f* qr, int s1, int s2, Ipp32f* buffe
     if (badStrides({s1, s2, bStride, xStride})) return ippStsStepErr;
     const Strided<const Ipp32f> m{qr, s1, s2};
     const Strided<const Ipp32f> bv{b, 0, bStride};
-    std::vector<double> y(h);
+    Scratch y(h);
     for (int i = 0; i < h; ++i) y[i] = bv(0, i);
     // y = Q^T b: the reflections in the order they were made.
     for (int k = 0; k < w; ++k) {

@@ -285,6 +285,65 @@ bool allFinite(const cholmod_dense* d) {
 
 enum class Outcome { Solved, OutOfMemory };
 
+// The solve's result and workspaces, allocated here with their results
+// checked. The library's solve makes the same three for itself, with
+// exactly these shapes, when it is handed none; but this version of it goes
+// on after such an allocation fails and reads through the null block. Handed
+// blocks of the right shape, it allocates nothing.
+struct SolveBlocks {
+    DensePtr x, y, e;
+    SolveBlocks(const cholmod_factor& L, int n, int nrhs, cholmod_common* c)
+        : x(cholmod_allocate_dense(n, nrhs, n, CHOLMOD_REAL, c), DenseDel{c}),
+          y(nullptr, DenseDel{c}),
+          e(nullptr, DenseDel{c}) {
+        if (L.is_super) {
+            y.reset(cholmod_allocate_dense(n, nrhs, n, CHOLMOD_REAL, c));
+            e.reset(cholmod_allocate_dense(nrhs, std::max<size_t>(L.maxesize, 1), nrhs,
+                                           CHOLMOD_REAL, c));
+        } else {
+            // A simplicial solve takes four right-hand sides at a time.
+            constexpr int kSimplicialColumns = 4;
+            const int rows = std::max(kSimplicialColumns, nrhs);
+            y.reset(cholmod_allocate_dense(rows, n, rows, CHOLMOD_REAL, c));
+        }
+    }
+    bool complete(const cholmod_factor& L) const { return x && y && (e || !L.is_super); }
+};
+
+// X = A \ B with the factor L, one column at a time. Several columns at once
+// would take the dense kernels' small-matrix product, which allocates from the
+// heap without checking the result (it crashed when that allocation failed);
+// one column takes the matrix-vector kernels, which work in the buffer mapped
+// before the factorisation. Throws 123 when the library fails otherwise.
+Outcome solveByColumns(cholmod_factor& L, const cholmod_dense& B, cholmod_dense& X,
+                       cholmod_common* c) {
+    const int n = static_cast<int>(B.nrow);
+    SolveBlocks blocks(L, n, 1, c);
+    if (!blocks.complete(L)) return Outcome::OutOfMemory;
+    for (size_t j = 0; j < B.ncol; ++j) {
+        cholmod_dense column = B;  // a view of column j: same storage, one column
+        column.ncol = 1;
+        column.nzmax = B.nrow;
+        column.x = static_cast<double*>(B.x) + j * B.d;
+        cholmod_dense* xp = blocks.x.get();
+        cholmod_dense* yp = blocks.y.get();
+        cholmod_dense* ep = blocks.e.get();
+        const int solved =
+            cholmod_solve2(CHOLMOD_A, &L, &column, nullptr, &xp, nullptr, &yp, &ep, c);
+        // The library replaces a block it finds the wrong shape; keep owning
+        // whatever it left.
+        blocks.x.release(), blocks.y.release(), blocks.e.release();
+        blocks.x.reset(xp), blocks.y.reset(yp), blocks.e.reset(ep);
+        if (!solved || !xp) {
+            if (c->status == CHOLMOD_OUT_OF_MEMORY || c->status == CHOLMOD_TOO_LARGE)
+                return Outcome::OutOfMemory;
+            throw kErrSolverSolve;
+        }
+        std::copy_n(static_cast<const double*>(xp->x), B.nrow, static_cast<double*>(X.x) + j * X.d);
+    }
+    return Outcome::Solved;
+}
+
 // Bytes the factorisation and the solve will allocate after the analysis:
 // the factor's values and the update workspace (supernodal), or the factor's
 // entries with their row indices (simplicial), plus the solution, its
@@ -384,7 +443,11 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
     // Its values come from single precision, so rounding alone can leave the
     // zero eigenvalue of an unconstrained group slightly negative: the shift
     // grows until it clears that.
-    DensePtr X(nullptr, DenseDel{c});
+    DensePtr X(cholmod_allocate_dense(n, nrhs, n, CHOLMOD_REAL, c), DenseDel{c});
+    if (!X) {
+        if (cc.outOfMemory()) return Outcome::OutOfMemory;
+        throw kErrSolverSolve;
+    }
     constexpr double kShifts[] = {0.0, kPivotPerturbation, kPivotPerturbation * 1e2,
                                   kPivotPerturbation * 1e4};
     constexpr int kRounds = static_cast<int>(sizeof(kShifts) / sizeof(kShifts[0]));
@@ -404,15 +467,11 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
         }
         progressKick();
         t0 = std::chrono::steady_clock::now();
-        X.reset(cholmod_solve(CHOLMOD_A, L.get(), B.get(), c));
+        const Outcome solved = solveByColumns(*L, *B, *X, c);
         g_lastTimes.solve += secondsSince(t0);
-        if (!X) {
-            if (cc.outOfMemory()) return Outcome::OutOfMemory;
-            throw kErrSolverSolve;
-        }
+        if (solved == Outcome::OutOfMemory) return Outcome::OutOfMemory;
         if (allFinite(X.get())) break;
         if (last) throw kErrSolverSolve;
-        X.reset();
     }
     const double* xx = static_cast<const double*>(X->x);
     for (long long k = 0; k < static_cast<long long>(n) * nrhs; ++k)

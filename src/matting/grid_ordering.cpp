@@ -39,8 +39,11 @@ struct Profile {
     Rect bounds;
 };
 
-Profile profileOf(const Rect& r, const int* varIndex, int w) {
-    Profile p;
+// Fills p, reusing its arrays: the dissection profiles thousands of
+// rectangles, and fresh arrays for each were most of a small solve's
+// allocations.
+void profileOf(const Rect& r, const int* varIndex, int w, Profile& p) {
+    p.total = 0;
     p.cols.assign(static_cast<std::size_t>(r.w()), 0);
     p.rows.assign(static_cast<std::size_t>(r.h()), 0);
     Rect b{r.x1, r.y1, r.x0, r.y0};
@@ -58,7 +61,6 @@ Profile profileOf(const Rect& r, const int* varIndex, int w) {
         p.total += p.rows[y - r.y0];
     }
     p.bounds = b;
-    return p;
 }
 
 // A cut: the separator starts at pos along the axis (columns or rows).
@@ -107,6 +109,7 @@ std::vector<int> gridNestedDissection(const int* varIndex, int w, int h, int n) 
     // The stack pops the last task first: push separator, then the second
     // half, then the first, so they come out first half, second, separator.
     std::vector<Task> stack{{{0, 0, w, h}, false}};
+    Profile p;
     while (!stack.empty()) {
         const Task t = stack.back();
         stack.pop_back();
@@ -117,15 +120,15 @@ std::vector<int> gridNestedDissection(const int* varIndex, int w, int h, int n) 
         // Cutting the variables' own extent balances the halves far better
         // than cutting the region's, as the variables of a matting system form
         // bands.
-        Profile p = profileOf(t.r, varIndex, w);
-        const Rect& r = p.bounds;
+        profileOf(t.r, varIndex, w, p);
+        const Rect r = p.bounds;
         if (r.w() <= 0 || r.h() <= 0) continue;
         if (p.total <= kLeafPixels ||
             (r.w() <= kSeparatorWidth + 1 && r.h() <= kSeparatorWidth + 1)) {
             emit(r);
             continue;
         }
-        if (r.w() != t.r.w() || r.h() != t.r.h()) p = profileOf(r, varIndex, w);
+        if (r.w() != t.r.w() || r.h() != t.r.h()) profileOf(r, varIndex, w, p);
         Cut cut;
         bestCutAlong(p.cols, r.x0, p.total, true, cut);
         bestCutAlong(p.rows, r.y0, p.total, false, cut);

@@ -56,7 +56,11 @@ void* poolMalloc(std::size_t n, void* (*advise)(void*, std::size_t)) noexcept {
             best = it;
     if (best != p.idle.end()) {
         void* block = best->first;
-        p.capacity[block] = best->second;
+        try {
+            p.capacity[block] = best->second;
+        } catch (...) {
+            return nullptr;  // the block stays idle; the library sees "no memory"
+        }
         p.idleBytes -= best->second;
         p.idle.erase(best);
         return block;
@@ -75,7 +79,8 @@ void* poolMalloc(std::size_t n, void* (*advise)(void*, std::size_t)) noexcept {
     return block;
 }
 
-void* poolCalloc(std::size_t count, std::size_t size, void* (*advise)(void*, std::size_t)) noexcept {
+void* poolCalloc(std::size_t count, std::size_t size,
+                 void* (*advise)(void*, std::size_t)) noexcept {
     if (size != 0 && count > static_cast<std::size_t>(-1) / size) return nullptr;
     const std::size_t n = count * size;
     if (n < kPooledFrom) return std::calloc(count, size);
