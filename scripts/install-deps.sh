@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages keepcut builds, tests and benchmarks with; only
-# missing ones are installed, so running it again is cheap.
+# missing ones are installed, so running it again is cheap. With the argument
+# `fuzz` it also installs what `make fuzz` needs.
 set -euo pipefail
 
 packages=(
@@ -13,6 +14,9 @@ packages=(
   libgtest-dev libgmock-dev
   libbenchmark-dev
 )
+if [ "${1:-}" = fuzz ]; then
+  packages+=(clang libclang-rt-14-dev)  # libFuzzer and the sanitizer runtimes
+fi
 
 missing=()
 for p in "${packages[@]}"; do

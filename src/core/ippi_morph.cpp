@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "core/ippi_filter_support.h"
+#include "core/simd_clones.h"
 
 namespace {
 
@@ -83,11 +84,8 @@ IppStatus rectExtreme(const T* src, int srcStep, T* dst, int dstStep, IppiSize r
 // two rows share their middle source rows, and no intermediate row goes
 // through memory. Cloned for AVX2, where a vector holds 32 pixels.
 template <typename Op>
-__attribute__((target_clones("avx2", "default"))) void extreme3x3Pair(const Ipp8u* r0,
-                                                                      const Ipp8u* r1,
-                                                                      const Ipp8u* r2,
-                                                                      const Ipp8u* r3, Ipp8u* out0,
-                                                                      Ipp8u* out1, int width) {
+KC_TEMPLATE_AVX2_CLONES void extreme3x3Pair(const Ipp8u* r0, const Ipp8u* r1, const Ipp8u* r2,
+                                            const Ipp8u* r3, Ipp8u* out0, Ipp8u* out1, int width) {
     for (int x = 0; x < width; ++x) {
         const Ipp8u left = Op::apply(r1[x - 1], r2[x - 1]);
         const Ipp8u mid = Op::apply(r1[x], r2[x]);
@@ -101,10 +99,8 @@ __attribute__((target_clones("avx2", "default"))) void extreme3x3Pair(const Ipp8
 }
 
 template <typename Op>
-__attribute__((target_clones("avx2", "default"))) void extreme3x3Row(const Ipp8u* r0,
-                                                                     const Ipp8u* r1,
-                                                                     const Ipp8u* r2, Ipp8u* out,
-                                                                     int width) {
+KC_TEMPLATE_AVX2_CLONES void extreme3x3Row(const Ipp8u* r0, const Ipp8u* r1, const Ipp8u* r2,
+                                           Ipp8u* out, int width) {
     for (int x = 0; x < width; ++x) {
         const Ipp8u left = Op::apply(Op::apply(r0[x - 1], r1[x - 1]), r2[x - 1]);
         const Ipp8u mid = Op::apply(Op::apply(r0[x], r1[x]), r2[x]);

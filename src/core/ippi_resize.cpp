@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "core/ippi_filter_support.h"
+#include "core/simd_clones.h"
 
 namespace {
 
@@ -165,8 +166,7 @@ __attribute__((target_clones("avx2", "default"))) void addWeightedRow(float* __r
 // A finished row of elements to the element type. Separate restrict operands:
 // stored bytes could otherwise alias the loop bound, which keeps it scalar.
 template <typename T>
-__attribute__((target_clones("avx2", "default"))) void storeRow(const float* __restrict acc,
-                                                                T* __restrict out, int n) {
+KC_TEMPLATE_AVX2_CLONES void storeRow(const float* __restrict acc, T* __restrict out, int n) {
     for (int e = 0; e < n; ++e) out[e] = fromFloat<T>(acc[e]);
 }
 
@@ -183,10 +183,8 @@ __attribute__((target_clones("avx2", "default"))) void storeRow(const float* __r
 // loop. Pointer-sized indices: an int index times S could overflow as far as
 // the compiler knows, which also keeps the loop scalar.
 template <int S>
-__attribute__((target_clones("avx2", "default"))) void addStridedTap(const float* __restrict w,
-                                                                     const float* __restrict f,
-                                                                     float* __restrict out,
-                                                                     std::ptrdiff_t n) {
+KC_TEMPLATE_AVX2_CLONES void addStridedTap(const float* __restrict w, const float* __restrict f,
+                                           float* __restrict out, std::ptrdiff_t n) {
     for (std::ptrdiff_t i = 0; i < n; ++i) out[i] += w[i] * f[S * i];
 }
 
