@@ -185,7 +185,8 @@ KC_EXPORT int rkMaskBBox(int is16Bit, const void* map, int step, int width, int 
    In: the picture, the brush map in `mask` (codes above) and, for
    whole-picture jobs (cellMode 0), the same painted map in `brushInfo`, which
    the host keeps filled. Region jobs copy the whole mask into `brushInfo`
-   themselves. `foreground` may be null unless recoverForeground is set.
+   themselves (all of it, width x height). `image` is only read, and so is
+   `brushInfo` in whole-picture jobs. `foreground` may be null unless recoverForeground is set.
    hiResPass 1 asks for the full-resolution pass, any other value allows the
    coarser strategies. progressReady is false when the host calls: the entry
    then restarts progress reporting with progProc/progData; true rebinds only
@@ -235,6 +236,7 @@ KC_EXPORT int recoverBrushInfo(RKPSStructMsk2* request);
    picture's fine detail where the mask is fractional (11..249). Where the
    mask is 250 or more, or 5 or less, or `brushInfo` (read when not null) is
    painted keep (255) or cut (1), the new colour is the picture's own.
+   `image`, `mask` and `brushInfo` are only read.
    For region jobs (cellJob true) the new colours are feathered into the old
    content of `foreground`: full weight at the region's centre, none at its
    rim, so a host should fill `foreground` (for instance with the picture)
