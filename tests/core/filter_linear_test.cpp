@@ -7,14 +7,14 @@
 #include <random>
 #include <vector>
 
-#include "core/filter_test_util.h"
 #include "core/img_filter_ops.h"
 #include "core/ippi_filter.h"
+#include "prim_block.h"
 
 namespace {
 
-using kctest::Block;
-using kctest::regionSizes;
+using primtest::Block;
+using primtest::regionSizes;
 
 constexpr Ipp8u kSentinel8 = 0x5A;
 constexpr float kSentinelF = -777.0f;
@@ -32,10 +32,10 @@ TEST(LinearFilter, FixedGaussiansMatchIntegerReference) {
     for (const IppiSize roi : regionSizes()) {
         for (const int size : {3, 5}) {
             const int r = size / 2, total = size == 3 ? 16 : 571;
-            Block<Ipp8u> src(roi, 2);
-            src.randomize(rng, 0, 255);
-            Block<Ipp8u> dst(roi, 1);
-            dst.fill(kSentinel8);
+            Block<Ipp8u> src(roi, 1, 2);
+            src.fillRandom(rng, 0, 255);
+            Block<Ipp8u> dst(roi, 1, 1);
+            dst.fillValue(kSentinel8);
             const IppiMaskSize mask = size == 3 ? ippMskSize3x3 : ippMskSize5x5;
             ASSERT_EQ(
                 ippiFilterGauss_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), roi, mask),
@@ -49,14 +49,14 @@ TEST(LinearFilter, FixedGaussiansMatchIntegerReference) {
                     // Nearest integer quotient, halves up.
                     ASSERT_EQ(dst.at(x, y), (2 * s + total) / (2 * total)) << x << "," << y;
                 }
-            dst.expectOutsideIs(kSentinel8);
+            EXPECT_TRUE(dst.outsideIs(kSentinel8));
         }
     }
 }
 
 TEST(LinearFilter, GaussianKeepsFlatAreasAndRefusesOtherMasks) {
-    Block<Ipp8u> src({6, 5}, 2), dst({6, 5}, 0);
-    src.fill(201);
+    Block<Ipp8u> src({6, 5}, 1, 2), dst({6, 5}, 1, 0);
+    src.fillValue(201);
     for (const IppiMaskSize m : {ippMskSize3x3, ippMskSize5x5}) {
         ASSERT_EQ(ippiFilterGauss_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), {6, 5}, m),
                   ippStsNoErr);
@@ -77,29 +77,6 @@ TEST(LinearFilter, GaussianKeepsFlatAreasAndRefusesOtherMasks) {
     EXPECT_EQ(*imgPtr(b, 2, 2), 80);  // a linear ramp is kept by a symmetric kernel
 }
 
-// Convolution reference: tap (i, j) multiplies src(x + ax - i, y + ay - j).
-template <int C>
-double convolveAt(const Block<float, C>& src, int x, int y, int c, const std::vector<float>& k,
-                  IppiSize ks, IppiPoint a) {
-    double s = 0;
-    for (int j = 0; j < ks.height; ++j)
-        for (int i = 0; i < ks.width; ++i)
-            s += double(k[j * ks.width + i]) * src.at(x + a.x - i, y + a.y - j, c);
-    return s;
-}
-
-template <int C>
-void expectConvolution(const Block<float, C>& src, const Block<float, C>& dst,
-                       const std::vector<float>& k, IppiSize ks, IppiPoint a) {
-    const IppiSize roi = dst.roi();
-    for (int y = 0; y < roi.height; ++y)
-        for (int x = 0; x < roi.width; ++x)
-            for (int c = 0; c < C; ++c)
-                ASSERT_NEAR(dst.at(x, y, c), convolveAt(src, x, y, c, k, ks, a), 1e-4)
-                    << x << "," << y << " ch " << c;
-    dst.expectOutsideIs(kSentinelF);
-}
-
 std::vector<float> randomKernel(std::mt19937& rng, int n) {
     std::uniform_real_distribution<float> d(-1.0f, 1.0f);
     std::vector<float> k(n);
@@ -107,49 +84,55 @@ std::vector<float> randomKernel(std::mt19937& rng, int n) {
     return k;
 }
 
-TEST(LinearFilter, TwoDimensionalConvolutionWithOffCentreAnchor) {
+// A row (column) form as a general convolution with its taps along x (y).
+template <auto Prim, bool Row>
+IppStatus separable(const float* s, int ss, float* d, int ds, IppiSize r, const float* k,
+                    IppiSize n, IppiPoint a) {
+    return Row ? Prim(s, ss, d, ds, r, k, n.width, a.x) : Prim(s, ss, d, ds, r, k, n.height, a.y);
+}
+
+// 2-D, row and column convolutions (one and three channels) with random
+// anchors against the definition: tap (i, j) multiplies src(x + ax - i, y + ay - j).
+TEST(LinearFilter, ConvolutionsWithOffCentreAnchorsMatchTheDefinition) {
+    using Run =
+        IppStatus (*)(const float*, int, float*, int, IppiSize, const float*, IppiSize, IppiPoint);
+    const struct {
+        int ch;
+        Run run;
+        std::vector<IppiSize> kernels;
+    } cases[] = {
+        {1, ippiFilter_32f_C1R, {{1, 1}, {3, 3}, {4, 2}, {1, 5}}},
+        {1, separable<ippiFilterRow_32f_C1R, true>, {{1, 1}, {3, 1}, {6, 1}}},
+        {3, separable<ippiFilterRow_32f_C3R, true>, {{1, 1}, {3, 1}, {6, 1}}},
+        {1, separable<ippiFilterColumn_32f_C1R, false>, {{1, 1}, {1, 3}, {1, 6}}},
+        {3, separable<ippiFilterColumn_32f_C3R, false>, {{1, 1}, {1, 3}, {1, 6}}},
+    };
     std::mt19937 rng(32);
-    const IppiSize kernels[] = {{1, 1}, {3, 3}, {4, 2}, {1, 5}};
-    for (const IppiSize roi : regionSizes())
-        for (const IppiSize ks : kernels) {
-            const IppiPoint a{static_cast<int>(rng() % ks.width),
-                              static_cast<int>(rng() % ks.height)};
-            const auto k = randomKernel(rng, ks.width * ks.height);
-            Block<float> src(roi, 5), dst(roi, 1);
-            src.randomize(rng, -2, 2);
-            dst.fill(kSentinelF);
-            ASSERT_EQ(ippiFilter_32f_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), roi,
-                                         k.data(), ks, a),
-                      ippStsNoErr);
-            expectConvolution(src, dst, k, ks, a);
-        }
-}
-
-template <int C>
-void checkSeparable(bool rowwise, std::mt19937& rng) {
-    const auto row = rowwise ? (C == 1 ? ippiFilterRow_32f_C1R : ippiFilterRow_32f_C3R)
-                             : (C == 1 ? ippiFilterColumn_32f_C1R : ippiFilterColumn_32f_C3R);
-    for (const IppiSize roi : regionSizes())
-        for (const int n : {1, 3, 6}) {
-            const int anchor = static_cast<int>(rng() % n);
-            const auto k = randomKernel(rng, n);
-            Block<float, C> src(roi, 6), dst(roi, 1);
-            src.randomize(rng, -3, 3);
-            dst.fill(kSentinelF);
-            ASSERT_EQ(row(src.ptr(), src.step(), dst.ptr(), dst.step(), roi, k.data(), n, anchor),
-                      ippStsNoErr);
-            const IppiSize ks = rowwise ? IppiSize{n, 1} : IppiSize{1, n};
-            const IppiPoint a = rowwise ? IppiPoint{anchor, 0} : IppiPoint{0, anchor};
-            expectConvolution(src, dst, k, ks, a);
-        }
-}
-
-TEST(LinearFilter, RowAndColumnConvolutionsPerChannel) {
-    std::mt19937 rng(33);
-    checkSeparable<1>(true, rng);
-    checkSeparable<3>(true, rng);
-    checkSeparable<1>(false, rng);
-    checkSeparable<3>(false, rng);
+    for (const auto& c : cases)
+        for (const IppiSize roi : regionSizes())
+            for (const IppiSize ks : c.kernels) {
+                SCOPED_TRACE(testing::Message() << "case " << &c - cases << " kernel " << ks.width
+                                                << "x" << ks.height);
+                const IppiPoint a{static_cast<int>(rng() % ks.width),
+                                  static_cast<int>(rng() % ks.height)};
+                const auto k = randomKernel(rng, ks.width * ks.height);
+                Block<float> src(roi, c.ch, 6), dst(roi, c.ch, 1);
+                src.fillRandom(rng, -3, 3);
+                dst.fillValue(kSentinelF);
+                ASSERT_EQ(c.run(src.ptr(), src.step(), dst.ptr(), dst.step(), roi, k.data(), ks, a),
+                          ippStsNoErr);
+                for (int y = 0; y < roi.height; ++y)
+                    for (int x = 0; x < roi.width; ++x)
+                        for (int ch = 0; ch < c.ch; ++ch) {
+                            double want = 0;
+                            for (int j = 0; j < ks.height; ++j)
+                                for (int i = 0; i < ks.width; ++i)
+                                    want += double(k[j * ks.width + i]) *
+                                            src.at(x + a.x - i, y + a.y - j, ch);
+                            ASSERT_NEAR(dst.at(x, y, ch), want, 1e-4) << x << "," << y;
+                        }
+                EXPECT_TRUE(dst.outsideIs(kSentinelF));
+            }
 }
 
 // Nearest integer quotient, halves away from zero, saturated to 16 bits.
@@ -168,13 +151,13 @@ TEST(LinearFilter, RowPipelineMakesItsOwnBorder) {
                 std::vector<Ipp16s> k16(n);
                 std::vector<float> k32(n);
                 for (int i = 0; i < n; ++i) k32[i] = k16[i] = static_cast<Ipp16s>(rng() % 41) - 20;
-                Block<Ipp16s> src(roi, 0), dst(roi, 1);
-                Block<float> srcF(roi, 0), dstF(roi, 1);
-                src.randomize(rng, -3000, 3000);
+                Block<Ipp16s> src(roi, 1, 0), dst(roi, 1, 1);
+                Block<float> srcF(roi, 1, 0), dstF(roi, 1, 1);
+                src.fillRandom(rng, -3000, 3000);
                 for (int y = 0; y < roi.height; ++y)
                     for (int x = 0; x < roi.width; ++x) srcF.at(x, y) = src.at(x, y);
-                dst.fill(0x7777);
-                dstF.fill(kSentinelF);
+                dst.fillValue(0x7777);
+                dstF.fillValue(kSentinelF);
                 std::vector<Ipp16s*> rows(roi.height);
                 std::vector<Ipp32f*> rowsF(roi.height);
                 for (int y = 0; y < roi.height; ++y)
@@ -207,8 +190,8 @@ TEST(LinearFilter, RowPipelineMakesItsOwnBorder) {
                         ASSERT_EQ(dst.at(x, y), roundedShort(s, divisor));
                         ASSERT_NEAR(dstF.at(x, y), double(s), 1e-2 * (1 + std::abs(double(s))));
                     }
-                dst.expectOutsideIs(0x7777);
-                dstF.expectOutsideIs(kSentinelF);
+                EXPECT_TRUE(dst.outsideIs(0x7777));
+                EXPECT_TRUE(dstF.outsideIs(kSentinelF));
             }
 }
 
@@ -221,9 +204,9 @@ TEST(LinearFilter, ColumnPipelineReadsTheGivenRowsAndSaturates) {
             std::vector<float> k32(n);
             for (int i = 0; i < n; ++i) k32[i] = k16[i] = static_cast<Ipp16s>(rng() % 61) - 30;
             // Source rows with the border rows supplied by repeating pointers.
-            Block<Ipp16s> src(roi, 0);
-            Block<float> srcF(roi, 0);
-            src.randomize(rng, -32768, 32767);
+            Block<Ipp16s> src(roi, 1, 0);
+            Block<float> srcF(roi, 1, 0);
+            src.fillRandom(rng, -32768, 32767);
             for (int y = 0; y < roi.height; ++y)
                 for (int x = 0; x < roi.width; ++x) srcF.at(x, y) = src.at(x, y);
             std::vector<const Ipp16s*> rows;
@@ -233,10 +216,10 @@ TEST(LinearFilter, ColumnPipelineReadsTheGivenRowsAndSaturates) {
                 rows.push_back(&src.at(0, sy));
                 rowsF.push_back(&srcF.at(0, sy));
             }
-            Block<Ipp16s> dst(roi, 2);
-            Block<float> dstF(roi, 2);
-            dst.fill(0x1234);
-            dstF.fill(kSentinelF);
+            Block<Ipp16s> dst(roi, 1, 2);
+            Block<float> dstF(roi, 1, 2);
+            dst.fillValue(0x1234);
+            dstF.fillValue(kSentinelF);
             int size16 = 0, size32 = 0;
             ASSERT_EQ(ippiFilterColumnPipelineGetBufferSize_16s_C1R(roi, n, &size16), 0);
             ASSERT_EQ(ippiFilterColumnPipelineGetBufferSize_32f_C1R(roi, n, &size32), 0);
@@ -254,13 +237,13 @@ TEST(LinearFilter, ColumnPipelineReadsTheGivenRowsAndSaturates) {
                     ASSERT_EQ(dst.at(x, y), roundedShort(s, divisor));
                     ASSERT_NEAR(dstF.at(x, y), double(s), 1e-5 * (1 + std::abs(double(s))));
                 }
-            dst.expectOutsideIs(0x1234);
-            dstF.expectOutsideIs(kSentinelF);
+            EXPECT_TRUE(dst.outsideIs(0x1234));
+            EXPECT_TRUE(dstF.outsideIs(kSentinelF));
         }
 }
 
 TEST(LinearFilter, RefusesBadKernelsAndDivisors) {
-    Block<float> f({4, 4}, 2);
+    Block<float> f({4, 4}, 1, 2);
     const float k[3] = {1, 2, 1};
     EXPECT_EQ(ippiFilterRow_32f_C1R(f.ptr(), f.step(), f.ptr(), f.step(), {4, 4}, k, 3, 3),
               ippStsBadArgErr);
@@ -268,7 +251,7 @@ TEST(LinearFilter, RefusesBadKernelsAndDivisors) {
               ippStsNullPtrErr);
     EXPECT_EQ(ippiFilter_32f_C1R(f.ptr(), f.step(), f.ptr(), f.step(), {4, 4}, k, {3, 1}, {1, 1}),
               ippStsBadArgErr);
-    Block<Ipp16s> s({4, 4}, 0);
+    Block<Ipp16s> s({4, 4}, 1, 0);
     Ipp16s* rows[4] = {&s.at(0, 0), &s.at(0, 1), &s.at(0, 2), &s.at(0, 3)};
     const Ipp16s k16[3] = {1, 2, 1};
     Ipp8u buf[256];

@@ -7,14 +7,14 @@
 #include <random>
 #include <vector>
 
-#include "core/filter_test_util.h"
 #include "core/img_filter_ops.h"
 #include "core/ippi_median.h"
+#include "prim_block.h"
 
 namespace {
 
-using kctest::Block;
-using kctest::regionSizes;
+using primtest::Block;
+using primtest::regionSizes;
 
 template <typename T>
 T middleOf(std::vector<T> v) {
@@ -29,10 +29,10 @@ TEST(Median, RectangleWithAnchorMatchesSortedNeighbourhood) {
         for (const IppiSize m : masks) {
             const IppiPoint a{static_cast<int>(rng() % m.width),
                               static_cast<int>(rng() % m.height)};
-            Block<Ipp16s> src(roi, 7), dst(roi, 1);
+            Block<Ipp16s> src(roi, 1, 7), dst(roi, 1, 1);
             // A narrow value range makes ties common.
-            src.randomize(rng, -20, 20);
-            dst.fill(0x4321);
+            src.fillRandom(rng, -20, 20);
+            dst.fillValue(0x4321);
             ASSERT_EQ(
                 ippiFilterMedian_16s_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), roi, m, a),
                 ippStsNoErr);
@@ -44,7 +44,7 @@ TEST(Median, RectangleWithAnchorMatchesSortedNeighbourhood) {
                             v.push_back(src.at(x - a.x + i, y - a.y + j));
                     ASSERT_EQ(dst.at(x, y), middleOf(v)) << m.width << "x" << m.height;
                 }
-            dst.expectOutsideIs(0x4321);
+            EXPECT_TRUE(dst.outsideIs(0x4321));
         }
 }
 
@@ -52,10 +52,10 @@ template <typename T>
 void checkCross(double lo, double hi, std::mt19937& rng) {
     for (const IppiSize roi : regionSizes())
         for (const int r : {1, 2}) {
-            Block<T> src(roi, 2), dst(roi, 1);
-            src.randomize(rng, lo, hi);
+            Block<T> src(roi, 1, 2), dst(roi, 1, 1);
+            src.fillRandom(rng, lo, hi);
             const T sentinel = static_cast<T>(77);
-            dst.fill(sentinel);
+            dst.fillValue(sentinel);
             const IppiMaskSize mask = r == 1 ? ippMskSize3x3 : ippMskSize5x5;
             ASSERT_EQ(IPPIP::ippiFilterMedianCross_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(),
                                                        roi, mask),
@@ -68,7 +68,7 @@ void checkCross(double lo, double hi, std::mt19937& rng) {
                             v.push_back(src.at(x + dx, y + dy));
                     ASSERT_EQ(dst.at(x, y), middleOf(v));
                 }
-            dst.expectOutsideIs(sentinel);
+            EXPECT_TRUE(dst.outsideIs(sentinel));
         }
 }
 

@@ -7,14 +7,14 @@
 #include <random>
 #include <vector>
 
-#include "core/filter_test_util.h"
 #include "core/ippi_bilateral.h"
 #include "core/ippi_floodfill.h"
+#include "prim_block.h"
 
 namespace {
 
-using kctest::Block;
-using kctest::regionSizes;
+using primtest::Block;
+using primtest::regionSizes;
 
 TEST(Bilateral, MatchesWeightedMeanOfTheSampledKernel) {
     std::mt19937 rng(61);
@@ -32,9 +32,9 @@ TEST(Bilateral, MatchesWeightedMeanOfTheSampledKernel) {
                   ippStsNoErr);
         for (const IppiSize roi : regionSizes())
             for (const IppiSize k : kernels) {
-                Block<Ipp8u> src(roi, 3), dst(roi, 1);
-                src.randomize(rng, 0, 255);
-                dst.fill(0xEE);
+                Block<Ipp8u> src(roi, 1, 3), dst(roi, 1, 1);
+                src.fillRandom(rng, 0, 255);
+                dst.fillValue(0xEE);
                 ASSERT_EQ(ippiFilterBilateral_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(),
                                                      roi, k, filterState),
                           ippStsNoErr);
@@ -52,12 +52,12 @@ TEST(Bilateral, MatchesWeightedMeanOfTheSampledKernel) {
                             }
                         ASSERT_NEAR(dst.at(x, y), s / ws, 0.51) << x << "," << y;
                     }
-                dst.expectOutsideIs(0xEE);
+                EXPECT_TRUE(dst.outsideIs(0xEE));
             }
     }
     std::vector<Ipp8u> raw(4096, 0);
     auto* filterState = reinterpret_cast<IppiFilterBilateralSpec*>(raw.data());
-    Block<Ipp8u> img({4, 4}, 3);
+    Block<Ipp8u> img({4, 4}, 1, 3);
     EXPECT_EQ(ippiFilterBilateral_8u_C1R(img.ptr(), img.step(), img.ptr(), img.step(), {4, 4},
                                          {3, 3}, filterState),
               ippStsBadArgErr);  // never initialised
@@ -97,8 +97,8 @@ TEST(FloodFill, FollowsGradientsWithinRangeOfNeighbours) {
     std::mt19937 rng(62);
     for (const IppiSize roi : regionSizes())
         for (const int range : {0, 3, 20}) {
-            Block<Ipp8u> img(roi, 2);
-            img.randomize(rng, 100, 140);
+            Block<Ipp8u> img(roi, 1, 2);
+            img.fillRandom(rng, 100, 140);
             // A ramp that only a floating range can follow along the first row.
             for (int x = 0; x < roi.width; ++x) img.at(x, 0) = static_cast<Ipp8u>(60 + 2 * x % 190);
             const Block<Ipp8u> before = img;
@@ -135,8 +135,8 @@ TEST(FloodFill, FollowsGradientsWithinRangeOfNeighbours) {
 }
 
 TEST(FloodFill, RefusesSeedsOutsideAndMissingBuffers) {
-    Block<Ipp8u> img({5, 5}, 0);
-    img.fill(1);
+    Block<Ipp8u> img({5, 5}, 1, 0);
+    img.fillValue(1);
     std::vector<Ipp8u> buffer(1024);
     IppiConnectedComp comp{};
     EXPECT_EQ(ippiFloodFill_Range8Con_8u_C1IR(img.ptr(), img.step(), {5, 5}, {5, 0}, 2, 0, 0, &comp,

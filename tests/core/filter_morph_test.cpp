@@ -7,14 +7,14 @@
 #include <random>
 #include <vector>
 
-#include "core/filter_test_util.h"
 #include "core/img_filter_ops.h"
 #include "core/ippi_morph.h"
+#include "prim_block.h"
 
 namespace {
 
-using kctest::Block;
-using kctest::regionSizes;
+using primtest::Block;
+using primtest::regionSizes;
 
 constexpr Ipp8u kSentinel8 = 0xA5;
 
@@ -40,10 +40,10 @@ TEST(Morphology, Square3x3On8BitMatchesReference) {
     std::mt19937 rng(1);
     for (const IppiSize roi : regionSizes()) {
         for (const bool dilate : {false, true}) {
-            Block<Ipp8u> src(roi, 1);
-            src.randomize(rng, 0, 255);
-            Block<Ipp8u> dst(roi, 2);
-            dst.fill(kSentinel8);
+            Block<Ipp8u> src(roi, 1, 1);
+            src.fillRandom(rng, 0, 255);
+            Block<Ipp8u> dst(roi, 1, 2);
+            dst.fillValue(kSentinel8);
             const auto f = dilate ? ippiDilate3x3_8u_C1R : ippiErode3x3_8u_C1R;
             ASSERT_EQ(f(src.ptr(), src.step(), dst.ptr(), dst.step(), roi), ippStsNoErr);
             for (int y = 0; y < roi.height; ++y)
@@ -51,7 +51,7 @@ TEST(Morphology, Square3x3On8BitMatchesReference) {
                     ASSERT_EQ(dst.at(x, y),
                               referenceExtreme<Ipp8u>(src, x, y, {3, 3}, {1, 1}, kFull3x3, dilate))
                         << roi.width << "x" << roi.height << " at " << x << "," << y;
-            dst.expectOutsideIs(kSentinel8);
+            EXPECT_TRUE(dst.outsideIs(kSentinel8));
         }
     }
 }
@@ -60,8 +60,8 @@ TEST(Morphology, Square3x3FloatInPlaceReadsOnlyOriginalPixels) {
     std::mt19937 rng(2);
     for (const IppiSize roi : regionSizes()) {
         for (const bool dilate : {false, true}) {
-            Block<float> img(roi, 1);
-            img.randomize(rng, -5.0, 5.0);
+            Block<float> img(roi, 1, 1);
+            img.fillRandom(rng, -5.0, 5.0);
             const Block<float> original = img;
             const auto f = dilate ? ippiDilate3x3_32f_C1IR : ippiErode3x3_32f_C1IR;
             ASSERT_EQ(f(img.ptr(), img.step(), roi), ippStsNoErr);
@@ -88,8 +88,8 @@ TEST(Morphology, StructuringMaskInPlaceMatchesReference) {
             const IppiPoint a{static_cast<int>(rng() % m.width),
                               static_cast<int>(rng() % m.height)};
             for (const bool dilate : {false, true}) {
-                Block<Ipp8u> img(roi, 5);
-                img.randomize(rng, 0, 255);
+                Block<Ipp8u> img(roi, 1, 5);
+                img.fillRandom(rng, 0, 255);
                 const Block<Ipp8u> original = img;
                 const auto f = dilate ? ippiDilate_8u_C1IR : ippiErode_8u_C1IR;
                 ASSERT_EQ(f(img.ptr(), img.step(), roi, mask.data(), m, a), ippStsNoErr);
@@ -117,22 +117,22 @@ TEST(Morphology, RectangularMaximumHonoursAnchor) {
             const std::vector<Ipp8u> all(m.width * m.height, 1);
             const IppiPoint a{static_cast<int>(rng() % m.width),
                               static_cast<int>(rng() % m.height)};
-            Block<Ipp8u> src(roi, 7);
-            src.randomize(rng, 0, 255);
-            Block<Ipp8u> dst(roi, 1);
-            dst.fill(kSentinel8);
+            Block<Ipp8u> src(roi, 1, 7);
+            src.fillRandom(rng, 0, 255);
+            Block<Ipp8u> dst(roi, 1, 1);
+            dst.fillValue(kSentinel8);
             ASSERT_EQ(ippiFilterMax_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), roi, m, a),
                       ippStsNoErr);
             for (int y = 0; y < roi.height; ++y)
                 for (int x = 0; x < roi.width; ++x)
                     ASSERT_EQ(dst.at(x, y), referenceExtreme<Ipp8u>(src, x, y, m, a, all, true));
-            dst.expectOutsideIs(kSentinel8);
+            EXPECT_TRUE(dst.outsideIs(kSentinel8));
         }
     }
 }
 
 TEST(Morphology, RefusesBadArguments) {
-    Block<Ipp8u> img({4, 4}, 3);
+    Block<Ipp8u> img({4, 4}, 1, 3);
     const Ipp8u none[4] = {0, 0, 0, 0};
     const Ipp8u one[4] = {0, 1, 0, 0};
     EXPECT_EQ(ippiErode3x3_8u_C1R(nullptr, 16, img.ptr(), img.step(), {4, 4}), ippStsNullPtrErr);

@@ -10,12 +10,12 @@
 #include <utility>
 #include <vector>
 
-#include "core/filter_test_util.h"
 #include "core/ippi_resize.h"
+#include "prim_block.h"
 
 namespace {
 
-using kctest::Block;
+using primtest::Block;
 
 const int kModes[] = {IPPI_INTER_NN, IPPI_INTER_LINEAR, IPPI_INTER_CUBIC, IPPI_INTER_LANCZOS,
                       IPPI_INTER_SUPER};
@@ -70,8 +70,8 @@ struct Case {
 
 template <typename T, int C>
 void checkSqrPixel(const Case& k, int mode, std::mt19937& rng, double tol) {
-    Block<T, C> src({k.srcSize.width, k.srcSize.height}, 2);
-    src.randomize(rng, 0, 250);
+    Block<T> src({k.srcSize.width, k.srcSize.height}, C, 2);
+    src.fillRandom(rng, 0, 250);
     // Pixels outside the source region hold extremes that must never be read.
     for (int y = 0; y < k.srcSize.height; ++y)
         for (int x = 0; x < k.srcSize.width; ++x)
@@ -79,9 +79,9 @@ void checkSqrPixel(const Case& k, int mode, std::mt19937& rng, double tol) {
                 y >= k.srcRoi.y + k.srcRoi.height)
                 for (int c = 0; c < C; ++c) src.at(x, y, c) = T(-100);
     const IppiSize dstSize{k.dstRoi.x + k.dstRoi.width + 2, k.dstRoi.y + k.dstRoi.height + 1};
-    Block<T, C> dst(dstSize, 1);
+    Block<T> dst(dstSize, C, 1);
     const T sentinel = T(99);
-    dst.fill(sentinel);
+    dst.fillValue(sentinel);
     int bytes = 0;
     ASSERT_EQ(ippiResizeGetBufSize(k.srcRoi, k.dstRoi, C, mode, &bytes), ippStsNoErr);
     std::vector<Ipp8u> buffer(bytes);
@@ -151,9 +151,9 @@ TEST(Resize, SqrPixelMatchesPerPixelEvaluation) {
 
 TEST(Resize, IdentityAndFlatImagesAreExact) {
     std::mt19937 rng(52);
-    Block<Ipp8u> src({11, 7}, 0), dst({11, 7}, 0), flat({11, 7}, 0);
-    src.randomize(rng, 0, 255);
-    flat.fill(173);
+    Block<Ipp8u> src({11, 7}, 1, 0), dst({11, 7}, 1, 0), flat({11, 7}, 1, 0);
+    src.fillRandom(rng, 0, 255);
+    flat.fillValue(173);
     std::vector<Ipp8u> buffer(1 << 16);
     for (const int mode : kModes) {
         ASSERT_EQ(
@@ -173,8 +173,8 @@ TEST(Resize, IdentityAndFlatImagesAreExact) {
 
 TEST(Resize, SupersamplingByThreeIsTheBlockMeanAndToleratesSmallBuffers) {
     std::mt19937 rng(53);
-    Block<float> src({12, 9}, 0), dst({4, 3}, 0);
-    src.randomize(rng, 0, 1);
+    Block<float> src({12, 9}, 1, 0), dst({4, 3}, 1, 0);
+    src.fillRandom(rng, 0, 1);
     // A buffer sized for a milder reduction: the primitive finds its own work memory.
     int bytes = 0;
     ippiResizeGetBufSize({0, 0, 12, 9}, {0, 0, 12, 9}, 1, IPPI_INTER_SUPER, &bytes);
@@ -194,9 +194,9 @@ TEST(Resize, SupersamplingByThreeIsTheBlockMeanAndToleratesSmallBuffers) {
 
 TEST(Resize, IndexModelSamplesFromTheRegionOriginAndKeepsAlpha) {
     std::mt19937 rng(54);
-    Block<Ipp8u> src({10, 8}, 0), dst({7, 5}, 1);
-    src.randomize(rng, 0, 255);
-    dst.fill(3);
+    Block<Ipp8u> src({10, 8}, 1, 0), dst({7, 5}, 1, 1);
+    src.fillRandom(rng, 0, 255);
+    dst.fillValue(3);
     const IppiRect roi{2, 1, 5, 4};
     ASSERT_EQ(ippiResize_8u_C1R(src.ptr(), {10, 8}, src.step(), roi, dst.ptr(), dst.step(), {7, 5},
                                 1.5, 1.25, IPPI_INTER_NN),
@@ -205,11 +205,11 @@ TEST(Resize, IndexModelSamplesFromTheRegionOriginAndKeepsAlpha) {
         for (int x = 0; x < 7; ++x)
             ASSERT_EQ(dst.at(x, y), src.at(2 + std::min(int(std::floor(x / 1.5 + 0.5)), 4),
                                            1 + std::min(int(std::floor(y / 1.25 + 0.5)), 3)));
-    dst.expectOutsideIs(3);
+    EXPECT_TRUE(dst.outsideIs(3));
 
-    Block<Ipp8u, 4> src4({6, 6}, 0), dst4({12, 6}, 0);
-    src4.randomize(rng, 0, 255);
-    dst4.fill(201);
+    Block<Ipp8u> src4({6, 6}, 4, 0), dst4({12, 6}, 4, 0);
+    src4.fillRandom(rng, 0, 255);
+    dst4.fillValue(201);
     ASSERT_EQ(ippiResize_8u_AC4R(src4.ptr(), {6, 6}, src4.step(), {0, 0, 6, 6}, dst4.ptr(),
                                  dst4.step(), {12, 6}, 2, 1, IPPI_INTER_LINEAR),
               ippStsNoErr);

@@ -32,20 +32,13 @@ bool holds(T a, T b, IppCmpOp op) {
 }
 
 TEST(PrimLogic, AndConstantAndOrImage) {
-    std::mt19937 rng(29);
-    for (IppiSize r : regionSizes()) {
-        Block<Ipp8u> a(r, 1), d(r, 1), old(r, 1);
-        a.fillRandom(rng, 0, 255);
-        d.fillRandom(rng, 0, 255);
-        old = d;
-        const auto before = d.snapshot();
-        ASSERT_EQ(ippiOr_8u_C1IR(a.ptr(), a.step(), d.ptr(), d.step(), r), 0);
-        ASSERT_EQ(ippiAndC_8u_C1IR(0x5c, d.ptr(), d.step(), r), 0);
-        for (int y = 0; y < r.height; ++y)
-            for (int x = 0; x < r.width; ++x)
-                ASSERT_EQ(d.at(x, y), (a.at(x, y) | old.at(x, y)) & 0x5c);
-        EXPECT_TRUE(d.outsideUnchanged(before));
-    }
+    primtest::checkInPlace<Ipp8u, Ipp8u>(
+        1, 0, 255,
+        [](auto s, int ss, auto d, int ds, IppiSize r) {
+            const IppStatus st = ippiOr_8u_C1IR(s, ss, d, ds, r);
+            return st != ippStsNoErr ? st : ippiAndC_8u_C1IR(0x5c, d, ds, r);
+        },
+        [](Ipp8u s, Ipp8u d, int) { return (s | d) & 0x5c; });
 }
 
 TEST(PrimCompare, WritesFullOnesWhereTheRelationHolds) {
@@ -61,7 +54,7 @@ TEST(PrimCompare, WritesFullOnesWhereTheRelationHolds) {
             s.fillRandom(rng, 5, 9);
             d.fillValue(7);
             dc.fillValue(7);
-            const auto before = d.snapshot();
+            const auto before = d;
             ASSERT_EQ(
                 ippiCompare_32f_C1R(a.ptr(), a.step(), b.ptr(), b.step(), d.ptr(), d.step(), r, op),
                 0);
@@ -79,25 +72,17 @@ TEST(PrimCompare, WritesFullOnesWhereTheRelationHolds) {
     EXPECT_EQ(ippiCompareC_8u_C1R(p, 4, 1, p, 4, {4, 1}, IppCmpOp(9)), ippStsBadArgErr);
 }
 
-template <typename T, typename Fn>
-void checkClamp(int ch, int used, const T* t, bool below, double lo, double hi, Fn prim) {
-    std::mt19937 rng(37);
-    for (IppiSize r : regionSizes()) {
-        Block<T> d(r, ch), old(r, ch);
-        d.fillRandom(rng, lo, hi);
-        old = d;
-        const auto before = d.snapshot();
-        ASSERT_EQ(prim(d.ptr(), d.step(), r), 0);
-        for (int y = 0; y < r.height; ++y)
-            for (int x = 0; x < r.width; ++x)
-                for (int c = 0; c < ch; ++c) {
-                    const T v = old.at(x, y, c);
-                    T want = v;
-                    if (c < used) want = below ? (v < t[c] ? t[c] : v) : (v > t[c] ? t[c] : v);
-                    ASSERT_EQ(d.at(x, y, c), want);
-                }
-        EXPECT_TRUE(d.outsideUnchanged(before));
-    }
+// Clamps from below or above to a threshold per channel; the channels past
+// `used` (the alpha of AC4) keep their value.
+template <typename T, typename Prim>
+void checkClamp(int ch, int used, const T* t, bool below, double hi, Prim prim) {
+    SCOPED_TRACE(testing::Message() << ch << " channels, " << (below ? "LT" : "GT"));
+    primtest::checkInPlace<T, T>(
+        ch, below ? -1 : 0, hi, [&](auto, int, auto... a) { return prim(a...); },
+        [&](T, T v, int c) {
+            if (c >= used) return v;
+            return below ? (v < t[c] ? t[c] : v) : (v > t[c] ? t[c] : v);
+        });
 }
 
 TEST(PrimThreshold, ClampsFromBelowOrAbovePerChannel) {
@@ -105,45 +90,29 @@ TEST(PrimThreshold, ClampsFromBelowOrAbovePerChannel) {
     const float t3[3] = {-0.5f, 0.f, 0.75f};
     const Ipp16u u1 = 30000;
     const Ipp16u u3[3] = {100, 40000, 65535};
-    checkClamp<Ipp32f>(1, 1, &t1, true, -1, 1, [&](auto d, int s, IppiSize r) {
-        return ippiThreshold_LT_32f_C1IR(d, s, r, t1);
-    });
-    checkClamp<Ipp32f>(3, 3, t3, true, -1, 1, [&](auto d, int s, IppiSize r) {
-        return ippiThreshold_LT_32f_C3IR(d, s, r, t3);
-    });
-    checkClamp<Ipp32f>(1, 1, &t1, false, -1, 1, [&](auto d, int s, IppiSize r) {
-        return ippiThreshold_GT_32f_C1IR(d, s, r, t1);
-    });
-    checkClamp<Ipp32f>(3, 3, t3, false, -1, 1, [&](auto d, int s, IppiSize r) {
-        return ippiThreshold_GT_32f_C3IR(d, s, r, t3);
-    });
-    checkClamp<Ipp16u>(1, 1, &u1, false, 0, 65535, [&](auto d, int s, IppiSize r) {
-        return ippiThreshold_GT_16u_C1IR(d, s, r, u1);
-    });
-    checkClamp<Ipp16u>(3, 3, u3, false, 0, 65535, [&](auto d, int s, IppiSize r) {
-        return ippiThreshold_GT_16u_C3IR(d, s, r, u3);
-    });
-    checkClamp<Ipp16u>(4, 3, u3, false, 0, 65535, [&](auto d, int s, IppiSize r) {
-        return ippiThreshold_GT_16u_AC4IR(d, s, r, u3);
-    });
+    checkClamp<Ipp32f>(1, 1, &t1, true, 1,
+                       [&](auto... a) { return ippiThreshold_LT_32f_C1IR(a..., t1); });
+    checkClamp<Ipp32f>(3, 3, t3, true, 1,
+                       [&](auto... a) { return ippiThreshold_LT_32f_C3IR(a..., t3); });
+    checkClamp<Ipp32f>(1, 1, &t1, false, 1,
+                       [&](auto... a) { return ippiThreshold_GT_32f_C1IR(a..., t1); });
+    checkClamp<Ipp32f>(3, 3, t3, false, 1,
+                       [&](auto... a) { return ippiThreshold_GT_32f_C3IR(a..., t3); });
+    checkClamp<Ipp16u>(1, 1, &u1, false, 65535,
+                       [&](auto... a) { return ippiThreshold_GT_16u_C1IR(a..., u1); });
+    checkClamp<Ipp16u>(3, 3, u3, false, 65535,
+                       [&](auto... a) { return ippiThreshold_GT_16u_C3IR(a..., u3); });
+    checkClamp<Ipp16u>(4, 3, u3, false, 65535,
+                       [&](auto... a) { return ippiThreshold_GT_16u_AC4IR(a..., u3); });
 }
 
 TEST(PrimThreshold, ReplacesOutsideTheBandWithGivenValues) {
-    std::mt19937 rng(41);
-    for (IppiSize r : regionSizes()) {
-        Block<Ipp32f> d(r, 1), old(r, 1);
-        d.fillRandom(rng, -2, 2);
-        old = d;
-        const auto before = d.snapshot();
-        ASSERT_EQ(ippiThreshold_LTValGTVal_32f_C1IR(d.ptr(), d.step(), r, -1.f, -7.f, 0.5f, 9.f),
-                  0);
-        for (int y = 0; y < r.height; ++y)
-            for (int x = 0; x < r.width; ++x) {
-                const float v = old.at(x, y);
-                ASSERT_EQ(d.at(x, y), v < -1.f ? -7.f : (v > 0.5f ? 9.f : v));
-            }
-        EXPECT_TRUE(d.outsideUnchanged(before));
-    }
+    primtest::checkInPlace<Ipp32f, Ipp32f>(
+        1, -2, 2,
+        [](auto, int, auto... a) {
+            return ippiThreshold_LTValGTVal_32f_C1IR(a..., -1.f, -7.f, 0.5f, 9.f);
+        },
+        [](float, float v, int) { return v < -1.f ? -7.f : (v > 0.5f ? 9.f : v); });
     float one = 0.f;
     EXPECT_EQ(ippiThreshold_LTValGTVal_32f_C1IR(&one, 4, {1, 1}, 1.f, 0.f, 0.f, 0.f),
               ippStsBadArgErr);

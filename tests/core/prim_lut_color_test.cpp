@@ -21,26 +21,14 @@ TEST(PrimLut, PaletteIndexesByTheLowBits) {
     for (auto& v : t8) v = static_cast<Ipp8u>(rng());
     for (auto& v : t16) v = static_cast<Ipp16u>(rng());
     for (int bits : {1, 5, 8}) {
-        for (IppiSize r : regionSizes()) {
-            Block<Ipp8u> s(r, 1), d(r, 1);
-            Block<Ipp16u> s16(r, 1), d16(r, 1);
-            s.fillRandom(rng, 0, 255);
-            s16.fillRandom(rng, 0, 65535);
-            d.fillValue(3);
-            d16.fillValue(3);
-            const auto before = d.snapshot();
-            ASSERT_EQ(
-                ippiLUTPalette_8u_C1R(s.ptr(), s.step(), d.ptr(), d.step(), r, t8.data(), bits), 0);
-            ASSERT_EQ(ippiLUTPalette_16u_C1R(s16.ptr(), s16.step(), d16.ptr(), d16.step(), r,
-                                             t16.data(), bits + 4),
-                      0);
-            for (int y = 0; y < r.height; ++y)
-                for (int x = 0; x < r.width; ++x) {
-                    ASSERT_EQ(d.at(x, y), t8[s.at(x, y) % (1 << bits)]);
-                    ASSERT_EQ(d16.at(x, y), t16[s16.at(x, y) % (1 << (bits + 4))]);
-                }
-            EXPECT_TRUE(d.outsideUnchanged(before));
-        }
+        SCOPED_TRACE(bits);
+        primtest::checkInPlace<Ipp8u, Ipp8u>(
+            1, 0, 255, [&](auto... a) { return ippiLUTPalette_8u_C1R(a..., t8.data(), bits); },
+            [&](Ipp8u s, Ipp8u, int) { return t8[s % (1 << bits)]; });
+        primtest::checkInPlace<Ipp16u, Ipp16u>(
+            1, 0, 65535,
+            [&](auto... a) { return ippiLUTPalette_16u_C1R(a..., t16.data(), bits + 4); },
+            [&](Ipp16u s, Ipp16u, int) { return t16[s % (1 << (bits + 4))]; });
     }
     Ipp8u p = 0;
     EXPECT_EQ(ippiLUTPalette_8u_C1R(&p, 1, &p, 1, {1, 1}, t8.data(), 9), ippStsBadArgErr);
@@ -50,28 +38,20 @@ TEST(PrimLut, PaletteIndexesByTheLowBits) {
 TEST(PrimLut, LinearMapInterpolatesInsideTheLevelsOnly) {
     const float levels[4] = {0.f, 0.25f, 0.5f, 1.f};
     const float values[4] = {1.f, 0.f, 10.f, 20.f};
-    std::mt19937 rng(59);
-    for (IppiSize r : regionSizes()) {
-        Block<Ipp32f> s(r, 1), d(r, 1);
-        s.fillRandom(rng, -0.2, 1.2);
-        s.at(0, 0) = 0.25f;  // a level itself
-        d.fillValue(-5.f);
-        const auto before = d.snapshot();
-        ASSERT_EQ(
-            ippiLUT_Linear_32f_C1R(s.ptr(), s.step(), d.ptr(), d.step(), r, values, levels, 4), 0);
-        for (int y = 0; y < r.height; ++y)
-            for (int x = 0; x < r.width; ++x) {
-                const float v = s.at(x, y);
-                float want = v;
-                for (int k = 0; k < 3; ++k)
-                    if (v >= levels[k] && v < levels[k + 1])
-                        want = values[k] + (v - levels[k]) * (values[k + 1] - values[k]) /
-                                               (levels[k + 1] - levels[k]);
-                ASSERT_NEAR(d.at(x, y), want, 1e-5) << v;
-            }
-        EXPECT_EQ(d.at(0, 0), 0.f);
-        EXPECT_TRUE(d.outsideUnchanged(before));
-    }
+    auto map = [&](auto s, int ss, auto... a) {
+        *const_cast<float*>(s) = 0.25f;  // a level itself maps to its value
+        return ippiLUT_Linear_32f_C1R(s, ss, a..., values, levels, 4);
+    };
+    primtest::checkInPlace<Ipp32f, Ipp32f>(
+        1, -0.2, 1.2, map,
+        [&](float v, float, int) {
+            for (int k = 0; k < 3; ++k)
+                if (v >= levels[k] && v < levels[k + 1])
+                    return values[k] + (v - levels[k]) * (values[k + 1] - values[k]) /
+                                           (levels[k + 1] - levels[k]);
+            return v;
+        },
+        1e-6);
     float p = 0.f;
     EXPECT_EQ(ippiLUT_Linear_32f_C1R(&p, 4, &p, 4, {1, 1}, values, levels, 1), ippStsBadArgErr);
 }
@@ -95,7 +75,7 @@ TEST(PrimColor, FloatHlsMatchesReferenceAndRoundTrips) {
         rgb.fillRandom(rng, 0, 1);
         rgb.at(0, 0, 0) = rgb.at(0, 0, 1) = rgb.at(0, 0, 2) = 0.4f;  // grey
         hls.fillValue(-1.f);
-        const auto before = hls.snapshot();
+        const auto before = hls;
         ASSERT_EQ(ippiRGBToHLS_32f_C3R(rgb.ptr(), rgb.step(), hls.ptr(), hls.step(), r), 0);
         ASSERT_EQ(ippiHLSToRGB_32f_C3R(hls.ptr(), hls.step(), back.ptr(), back.step(), r), 0);
         EXPECT_TRUE(hls.outsideUnchanged(before));
@@ -135,7 +115,7 @@ TEST(PrimColor, ByteHlsScalesTheFloatModelAndKeepsAlpha) {
         hls.fillValue(123);
         hls2.fillValue(123);
         back.fillValue(7);
-        const auto before = hls.snapshot();
+        const auto before = hls;
         ASSERT_EQ(ippiRGBToHLS_8u_AC4R(rgba.ptr(), rgba.step(), hls.ptr(), hls.step(), r), 0);
         ASSERT_EQ(ippiBGRToHLS_8u_AC4R(bgra.ptr(), bgra.step(), hls2.ptr(), hls2.step(), r), 0);
         ASSERT_EQ(ippiHLSToRGB_8u_AC4R(hls.ptr(), hls.step(), back.ptr(), back.step(), r), 0);
@@ -165,7 +145,7 @@ TEST(PrimColor, TwistAppliesTheAffineMatrixToThreePlanes) {
         std::vector<Block<Ipp32f>> planes(3, Block<Ipp32f>(r, 1));
         for (auto& p : planes) p.fillRandom(rng, -1, 1);
         const std::vector<Block<Ipp32f>> old = planes;
-        const auto before = planes[2].snapshot();
+        const auto before = planes[2];
         Ipp32f* const ptrs[3] = {planes[0].ptr(), planes[1].ptr(), planes[2].ptr()};
         ASSERT_EQ(ippiColorTwist_32f_IP3R(ptrs, planes[0].step(), r, twist), 0);
         EXPECT_TRUE(planes[2].outsideUnchanged(before));

@@ -11,44 +11,35 @@
 
 namespace {
 using primtest::Block;
+using primtest::checkInPlace;
 using primtest::regionSizes;
 
-template <typename T, typename Fn>
-void checkSet(int ch, int firstCh, int nCh, const T* values, Fn call) {
-    for (IppiSize r : regionSizes()) {
-        Block<T> dst(r, ch);
-        dst.fillValue(T(5));
-        const auto before = dst.snapshot();
-        ASSERT_EQ(call(dst.ptr() + firstCh, dst.step(), r), 0);
-        for (int y = 0; y < r.height; ++y)
-            for (int x = 0; x < r.width; ++x)
-                for (int c = 0; c < ch; ++c) {
-                    const int k = c - firstCh;
-                    ASSERT_EQ(dst.at(x, y, c), (k >= 0 && k < nCh) ? values[k] : T(5));
-                }
-        EXPECT_TRUE(dst.outsideUnchanged(before));
-    }
-}
-
+// Fills of whole pixels, and of one channel of four (the others keep their value).
 TEST(PrimSet, FillsRegionOrOneChannel) {
-    const Ipp8u u8 = 200;
-    const Ipp16s s16 = -1234;
-    const Ipp16u u16 = 60000;
-    const Ipp32f f = -0.75f;
     const Ipp32f f3[3] = {1.5f, -2.f, 1e-7f};
-    checkSet<Ipp8u>(1, 0, 1, &u8,
-                    [&](Ipp8u* d, int s, IppiSize r) { return ippiSet_8u_C1R(u8, d, s, r); });
-    checkSet<Ipp16s>(1, 0, 1, &s16,
-                     [&](Ipp16s* d, int s, IppiSize r) { return ippiSet_16s_C1R(s16, d, s, r); });
-    checkSet<Ipp16u>(1, 0, 1, &u16,
-                     [&](Ipp16u* d, int s, IppiSize r) { return ippiSet_16u_C1R(u16, d, s, r); });
-    checkSet<Ipp32f>(1, 0, 1, &f,
-                     [&](Ipp32f* d, int s, IppiSize r) { return ippiSet_32f_C1R(f, d, s, r); });
-    checkSet<Ipp32f>(3, 0, 3, f3,
-                     [&](Ipp32f* d, int s, IppiSize r) { return ippiSet_32f_C3R(f3, d, s, r); });
+    auto fills = [](auto v) { return [v](auto, auto, int) { return double(v); }; };
+    checkInPlace<Ipp8u, Ipp8u>(
+        1, 0, 255, [](auto, int, auto... a) { return ippiSet_8u_C1R(200, a...); },
+        fills(Ipp8u{200}));
+    checkInPlace<Ipp16s, Ipp16s>(
+        1, -9, 9, [](auto, int, auto... a) { return ippiSet_16s_C1R(-1234, a...); },
+        fills(Ipp16s{-1234}));
+    checkInPlace<Ipp16u, Ipp16u>(
+        1, 0, 9, [](auto, int, auto... a) { return ippiSet_16u_C1R(60000, a...); },
+        fills(Ipp16u{60000}));
+    checkInPlace<Ipp32f, Ipp32f>(
+        1, -9, 9, [](auto, int, auto... a) { return ippiSet_32f_C1R(-0.75f, a...); },
+        fills(-0.75f));
+    checkInPlace<Ipp32f, Ipp32f>(
+        3, -9, 9, [&](auto, int, auto... a) { return ippiSet_32f_C3R(f3, a...); },
+        [&](float, float, int c) { return double(f3[c]); });
     for (int ch = 0; ch < 4; ++ch)
-        checkSet<Ipp8u>(4, ch, 1, &u8,
-                        [&](Ipp8u* d, int s, IppiSize r) { return ippiSet_8u_C4CR(u8, d, s, r); });
+        checkInPlace<Ipp8u, Ipp8u>(
+            4, 0, 255,
+            [ch](auto, int, Ipp8u* d, int ds, IppiSize r) {
+                return ippiSet_8u_C4CR(200, d + ch, ds, r);
+            },
+            [ch](Ipp8u, Ipp8u old, int c) { return c == ch ? 200.0 : double(old); });
 }
 
 TEST(PrimSet, VectorsFillExactlyTheirLength) {
@@ -73,73 +64,39 @@ TEST(PrimSet, VectorsFillExactlyTheirLength) {
     EXPECT_EQ(ippsZero_32f(f.data(), 0), ippStsSizeErr);
 }
 
-// Converts random sources and compares with `ref` per element.
-template <typename S, typename D, typename Fn, typename Ref>
-void checkConvert(int ch, double lo, double hi, Fn prim, Ref ref) {
-    std::mt19937 rng(5);
-    for (IppiSize r : regionSizes()) {
-        Block<S> src(r, ch);
-        Block<D> dst(r, ch);
-        src.fillRandom(rng, lo, hi);
-        dst.fillValue(D(1));
-        const auto before = dst.snapshot();
-        ASSERT_EQ(prim(src.ptr(), src.step(), dst.ptr(), dst.step(), r), 0);
-        for (int y = 0; y < r.height; ++y)
-            for (int x = 0; x < r.width; ++x)
-                for (int c = 0; c < ch; ++c)
-                    ASSERT_EQ(dst.at(x, y, c), ref(src.at(x, y, c))) << double(src.at(x, y, c));
-        EXPECT_TRUE(dst.outsideUnchanged(before));
-    }
+// The converted value of v, saturated to D, after rounding to nearest (ties to
+// even, the default floating-point mode) or toward zero.
+template <typename D>
+double converted(double v, IppRoundMode m = ippRndZero) {
+    v = m == ippRndNear ? std::nearbyint(v) : std::trunc(v);
+    return std::clamp<double>(v, std::numeric_limits<D>::lowest(), std::numeric_limits<D>::max());
 }
 
-template <typename D>
-D saturate(double v) {
-    const double lo = std::numeric_limits<D>::min(), hi = std::numeric_limits<D>::max();
-    return static_cast<D>(v < lo ? lo : (v > hi ? hi : v));
-}
-template <typename D>
-D nearestEven(float v) {
-    return saturate<D>(std::nearbyint(static_cast<double>(v)));  // default mode: ties to even
-}
-template <typename D>
-D towardZero(float v) {
-    return saturate<D>(std::trunc(static_cast<double>(v)));
+// Converts random sources (the destination's old value plays no part).
+template <typename S, typename D, typename Prim>
+void checkConvert(int ch, double lo, double hi, Prim prim, IppRoundMode m = ippRndZero) {
+    SCOPED_TRACE(testing::Message() << "channels " << ch << " mode " << m);
+    checkInPlace<S, D>(ch, lo, hi, prim, [m](S s, D, int) { return converted<D>(s, m); });
 }
 
 TEST(PrimConvert, WideningIsExactAndNarrowingSaturates) {
-    auto widen = [](auto v) { return static_cast<Ipp32f>(v); };
-    checkConvert<Ipp8u, Ipp32f>(1, 0, 255, ippiConvert_8u32f_C1R, widen);
-    checkConvert<Ipp8u, Ipp32f>(3, 0, 255, ippiConvert_8u32f_C3R, widen);
-    checkConvert<Ipp16u, Ipp32f>(1, 0, 65535, ippiConvert_16u32f_C1R, widen);
-    checkConvert<Ipp16u, Ipp32f>(3, 0, 65535, ippiConvert_16u32f_C3R, widen);
-    checkConvert<Ipp16s, Ipp32f>(1, -32768, 32767, ippiConvert_16s32f_C1R, widen);
-    checkConvert<Ipp8u, Ipp16u>(1, 0, 255, ippiConvert_8u16u_C1R,
-                                [](Ipp8u v) { return Ipp16u(v); });
-    checkConvert<Ipp16u, Ipp8u>(1, 0, 600, ippiConvert_16u8u_C1R,
-                                [](Ipp16u v) { return saturate<Ipp8u>(v); });
+    checkConvert<Ipp8u, Ipp32f>(1, 0, 255, ippiConvert_8u32f_C1R);
+    checkConvert<Ipp8u, Ipp32f>(3, 0, 255, ippiConvert_8u32f_C3R);
+    checkConvert<Ipp16u, Ipp32f>(1, 0, 65535, ippiConvert_16u32f_C1R);
+    checkConvert<Ipp16u, Ipp32f>(3, 0, 65535, ippiConvert_16u32f_C3R);
+    checkConvert<Ipp16s, Ipp32f>(1, -32768, 32767, ippiConvert_16s32f_C1R);
+    checkConvert<Ipp8u, Ipp16u>(1, 0, 255, ippiConvert_8u16u_C1R);
+    checkConvert<Ipp16u, Ipp8u>(1, 0, 600, ippiConvert_16u8u_C1R);
 }
 
 TEST(PrimConvert, FloatToIntegerRoundsByModeAndSaturates) {
     for (IppRoundMode m : {ippRndNear, ippRndZero}) {
-        auto ref8 = [m](float v) {
-            return m == ippRndNear ? nearestEven<Ipp8u>(v) : towardZero<Ipp8u>(v);
-        };
-        auto ref16u = [m](float v) {
-            return m == ippRndNear ? nearestEven<Ipp16u>(v) : towardZero<Ipp16u>(v);
-        };
-        auto ref16s = [m](float v) {
-            return m == ippRndNear ? nearestEven<Ipp16s>(v) : towardZero<Ipp16s>(v);
-        };
-        auto bind = [m](auto prim) {
-            return [m, prim](auto s, int ss, auto d, int ds, IppiSize r) {
-                return prim(s, ss, d, ds, r, m);
-            };
-        };
-        checkConvert<Ipp32f, Ipp8u>(1, -40, 300, bind(ippiConvert_32f8u_C1R), ref8);
-        checkConvert<Ipp32f, Ipp8u>(3, -40, 300, bind(ippiConvert_32f8u_C3R), ref8);
-        checkConvert<Ipp32f, Ipp16u>(1, -9e3, 7e4, bind(ippiConvert_32f16u_C1R), ref16u);
-        checkConvert<Ipp32f, Ipp16u>(3, -9e3, 7e4, bind(ippiConvert_32f16u_C3R), ref16u);
-        checkConvert<Ipp32f, Ipp16s>(1, -4e4, 4e4, bind(ippiConvert_32f16s_C1R), ref16s);
+        auto bind = [m](auto prim) { return [m, prim](auto... a) { return prim(a..., m); }; };
+        checkConvert<Ipp32f, Ipp8u>(1, -40, 300, bind(ippiConvert_32f8u_C1R), m);
+        checkConvert<Ipp32f, Ipp8u>(3, -40, 300, bind(ippiConvert_32f8u_C3R), m);
+        checkConvert<Ipp32f, Ipp16u>(1, -9e3, 7e4, bind(ippiConvert_32f16u_C1R), m);
+        checkConvert<Ipp32f, Ipp16u>(3, -9e3, 7e4, bind(ippiConvert_32f16u_C3R), m);
+        checkConvert<Ipp32f, Ipp16s>(1, -4e4, 4e4, bind(ippiConvert_32f16s_C1R), m);
     }
 }
 
@@ -177,30 +134,25 @@ TEST(PrimConvert, DoubleVectorToFloat) {
 }
 
 TEST(PrimScale, MapsBetweenByteRangeAndFloatRange) {
-    std::mt19937 rng(2);
     const float vMin = -1.f, vMax = 3.f;
-    for (int ch : {1, 3, 4}) {
-        auto up = ch == 1   ? ippiScale_8u32f_C1R
-                  : ch == 3 ? ippiScale_8u32f_C3R
-                            : ippiScale_8u32f_C4R;
+    auto up = [&](auto prim) { return [&, prim](auto... a) { return prim(a..., vMin, vMax); }; };
+    auto upRef = [&](Ipp8u s, float, int) { return double(vMin + s * (vMax - vMin) / 255.0); };
+    primtest::checkInPlace<Ipp8u, Ipp32f>(1, 0, 255, up(ippiScale_8u32f_C1R), upRef, 1e-6);
+    primtest::checkInPlace<Ipp8u, Ipp32f>(3, 0, 255, up(ippiScale_8u32f_C3R), upRef, 1e-6);
+    primtest::checkInPlace<Ipp8u, Ipp32f>(4, 0, 255, up(ippiScale_8u32f_C4R), upRef, 1e-6);
+    // And back: the round trip restores every byte.
+    std::mt19937 rng(2);
+    for (int ch : {1, 3}) {
+        auto down = ch == 1 ? ippiScale_32f8u_C1R : ippiScale_32f8u_C3R;
+        auto upward = ch == 1 ? ippiScale_8u32f_C1R : ippiScale_8u32f_C3R;
         for (IppiSize r : regionSizes()) {
-            Block<Ipp8u> src(r, ch);
+            Block<Ipp8u> src(r, ch), back(r, ch);
             Block<Ipp32f> mid(r, ch);
             src.fillRandom(rng, 0, 255);
-            mid.fillValue(-9.f);
-            const auto before = mid.snapshot();
-            ASSERT_EQ(up(src.ptr(), src.step(), mid.ptr(), mid.step(), r, vMin, vMax), 0);
-            EXPECT_TRUE(mid.outsideUnchanged(before));
-            for (int y = 0; y < r.height; ++y)
-                for (int x = 0; x < r.width; ++x)
-                    for (int c = 0; c < ch; ++c)
-                        ASSERT_NEAR(mid.at(x, y, c), vMin + src.at(x, y, c) * (vMax - vMin) / 255.0,
-                                    1e-5);
-            if (ch == 4) continue;
-            // And back: the round trip restores every byte.
-            auto down = ch == 1 ? ippiScale_32f8u_C1R : ippiScale_32f8u_C3R;
-            Block<Ipp8u> back(r, ch);
+            const Block<Ipp8u> backBefore = back;
+            ASSERT_EQ(upward(src.ptr(), src.step(), mid.ptr(), mid.step(), r, vMin, vMax), 0);
             ASSERT_EQ(down(mid.ptr(), mid.step(), back.ptr(), back.step(), r, vMin, vMax), 0);
+            EXPECT_TRUE(back.outsideUnchanged(backBefore));
             for (int y = 0; y < r.height; ++y)
                 for (int x = 0; x < r.width; ++x)
                     for (int c = 0; c < ch; ++c) ASSERT_EQ(back.at(x, y, c), src.at(x, y, c));
@@ -210,10 +162,8 @@ TEST(PrimScale, MapsBetweenByteRangeAndFloatRange) {
     const float f[4] = {-5.f, 7.f, 1.f, 0.5f};
     Ipp8u b[4];
     ASSERT_EQ(ippiScale_32f8u_C1R(f, 16, b, 4, {4, 1}, 0.f, 1.f), 0);
-    EXPECT_EQ(b[0], 0);
-    EXPECT_EQ(b[1], 255);
-    EXPECT_EQ(b[2], 255);
-    EXPECT_EQ(b[3], 128);  // 127.5 rounds to the even neighbour
+    EXPECT_EQ(std::vector<Ipp8u>(b, b + 4),
+              (std::vector<Ipp8u>{0, 255, 255, 128}));  // 127.5 to even
     EXPECT_EQ(ippiScale_32f8u_C1R(f, 16, b, 4, {4, 1}, 1.f, 1.f), ippStsBadArgErr);
 }
 

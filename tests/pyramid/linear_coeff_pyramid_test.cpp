@@ -7,33 +7,24 @@
 #include <opencv2/core.hpp>
 
 #include "pyramid/linear_coeff_fit.h"
+#include "pyramid_test_support.h"
 
 namespace {
 
 using kc::coeff::isEmptyPixel;
 using kc::coeff::kEmptyPixel;
 
-// alpha = 0.15 + 0.4 c0 + 0.2 c1 + 0.1 c2, colours in [0, 1].
-double model(const float* c) {
-    return 0.15 + 0.4 * c[0] + 0.2 * c[1] + 0.1 * c[2];
-}
-double model(const cv::Vec4b& p) {
-    const float c[3] = {p[0] / 255.0f, p[1] / 255.0f, p[2] / 255.0f};
-    return model(c);
-}
+using pyrtest::randomPicture;
 
-cv::Mat randomPicture(int w, int h, uint64_t seed) {
-    cv::Mat m(h, w, CV_8UC4);
-    cv::RNG(seed).fill(m, cv::RNG::UNIFORM, 0, 256);
-    return m;
-}
+// The colour model every test alpha follows.
+const pyrtest::LinearModel kModel{0.4, 0.2, 0.1, 0.15};
 
 // Known on every `stride`-th pixel of every `stride`-th row, empty elsewhere.
 cv::Mat sparseAlpha(const cv::Mat& picture, int stride) {
     cv::Mat a(picture.size(), CV_32FC1, cv::Scalar(kEmptyPixel));
     for (int y = 0; y < a.rows; y += stride)
         for (int x = 0; x < a.cols; x += stride)
-            a.at<float>(y, x) = static_cast<float>(model(picture.at<cv::Vec4b>(y, x)));
+            a.at<float>(y, x) = static_cast<float>(kModel.at(picture.at<cv::Vec4b>(y, x)));
     return a;
 }
 
@@ -60,7 +51,7 @@ TEST(LinearCoeffPyramid, HalvingKeepsPairsOnTheModel) {
             EXPECT_EQ(!isEmptyPixel(ha.at<float>(r, c)), anyKnown) << c << "," << r;
             if (!anyKnown) continue;
             ++valid;
-            EXPECT_NEAR(ha.at<float>(r, c), model(hk.ptr<float>(r) + 3 * c), 1e-5);
+            EXPECT_NEAR(ha.at<float>(r, c), kModel.at(hk.ptr<float>(r) + 3 * c), 1e-5);
         }
     EXPECT_GT(valid, 10);
 }
@@ -74,7 +65,7 @@ TEST(LinearCoeffPyramid, SparseLinearAlphaIsCompletedAtFullSize) {
         upsampleRecover_a1a2a3bPyramidMemorySave(alpha, picture, out, levels);
         for (int y = 0; y < out.rows; ++y)
             for (int x = 0; x < out.cols; ++x) {
-                const double expected = 255.0 * model(picture.at<cv::Vec4b>(y, x));
+                const double expected = 255.0 * kModel.at(picture.at<cv::Vec4b>(y, x));
                 ASSERT_NEAR(out.at<uchar>(y, x), expected, 2.0) << x << "," << y << " " << levels;
                 if (!isEmptyPixel(alpha.at<float>(y, x))) {
                     ASSERT_EQ(out.at<uchar>(y, x), cvRound(255.0f * alpha.at<float>(y, x)));

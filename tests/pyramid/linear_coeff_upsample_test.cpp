@@ -10,21 +10,12 @@
 #include <opencv2/imgproc.hpp>
 
 #include "pyramid/linear_coeff_fit.h"
+#include "pyramid_test_support.h"
 
 namespace {
 
-// alpha = b + a1*c0 + a2*c1 + a3*c2 with colours in [0, 1].
-struct LinearModel {
-    double a1, a2, a3, b;
-    double at(const cv::Vec4b& p) const { return b + (a1 * p[0] + a2 * p[1] + a3 * p[2]) / 255.0; }
-};
-
-cv::Mat randomPicture(int w, int h, int lo, int hi, uint64_t seed) {
-    cv::Mat m(h, w, CV_8UC4);
-    cv::RNG rng(seed);
-    rng.fill(m, cv::RNG::UNIFORM, lo, hi + 1);
-    return m;
-}
+using pyrtest::LinearModel;
+using pyrtest::randomPicture;
 
 cv::Mat alphaFromModel(const cv::Mat& picture, const LinearModel& f) {
     cv::Mat a(picture.size(), CV_8UC1);
@@ -46,7 +37,7 @@ TEST(LinearCoeffUpsample, ExactLinearAlphaIsReproducedAtFullSize) {
     // A textured photograph-like picture and its nearest-neighbour reduction, as the
     // reduced-resolution strategies make it (odd sizes, non-integer factors).
     cv::Mat full;
-    cv::resize(randomPicture(30, 19, 0, 255, 1), full, cv::Size(150, 95), 0, 0, cv::INTER_CUBIC);
+    cv::resize(randomPicture(30, 19, 1), full, cv::Size(150, 95), 0, 0, cv::INTER_CUBIC);
     cv::Mat reduced;
     cv::resize(full, reduced, cv::Size(37, 23), 0, 0, cv::INTER_NEAREST);
     const cv::Mat out = upsample(alphaFromModel(reduced, f), reduced, full);
@@ -61,8 +52,8 @@ TEST(LinearCoeffUpsample, ExtrapolationSaturatesInsteadOfWrapping) {
     // Steep model fitted on a narrow colour band, applied to the full byte range: far
     // outside the band the model runs below 0 and above 1.
     const LinearModel f{4.0, 0.0, 0.0, -1.7};
-    const cv::Mat reduced = randomPicture(20, 20, 110, 140, 3);
-    const cv::Mat full = randomPicture(80, 80, 0, 255, 4);
+    const cv::Mat reduced = randomPicture(20, 20, 3, 110, 140);
+    const cv::Mat full = randomPicture(80, 80, 4);
     const cv::Mat out = upsample(alphaFromModel(reduced, f), reduced, full);
     int low = 0, high = 0;
     for (int y = 0; y < out.rows; ++y)
@@ -106,10 +97,10 @@ TEST(LinearCoeffUpsample, FlatColourPicturesStillSolve) {
 }
 
 TEST(LinearCoeffUpsample, RepeatsExactlyAndWritesOnlyTheView) {
-    const cv::Mat reduced = randomPicture(31, 17, 0, 255, 5);
+    const cv::Mat reduced = randomPicture(31, 17, 5);
     cv::Mat alpha(reduced.size(), CV_8UC1);
     cv::RNG(6).fill(alpha, cv::RNG::UNIFORM, 0, 256);
-    cv::Mat full = randomPicture(101, 53, 0, 255, 7);
+    cv::Mat full = randomPicture(101, 53, 7);
     const cv::Mat first = upsample(alpha, reduced, full);
 
     // Second run into a view of a larger buffer with a sentinel frame.

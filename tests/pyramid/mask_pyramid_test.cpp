@@ -47,7 +47,10 @@ std::vector<Plane*> levelPlanes(const CMaskPyr& pyr, int l) {
             pyr.getAlphaPtr(l)};
 }
 
-TEST(MaskPyramid, LevelsHalveRoundingUpForOddAndEvenSides) {
+// Where a side is odd, the last column (row) of the next level is one the
+// decimation does not reach and repeats its neighbour: a 5 x 3 level 0 gives a
+// 3 x 2 level 1 whose last column repeats column 1.
+TEST(MaskPyramid, LevelsHalveRoundingUpAndRepeatTheEdgeOfOddSides) {
     struct Expect {
         IPSize level0;
         std::array<IPSize, 3> next;
@@ -59,24 +62,21 @@ TEST(MaskPyramid, LevelsHalveRoundingUpForOddAndEvenSides) {
         CMaskPyr pyr;
         ASSERT_EQ(in.build(pyr, 3), 0);
         EXPECT_EQ(pyr.getMaxLevel(), 3);
-        for (int l = 1; l <= 3; ++l)
+        IPSize prev = e.level0;
+        for (int l = 1; l <= 3; ++l) {
             for (Plane* p : levelPlanes(pyr, l)) {
                 ASSERT_NE(p, nullptr);
-                EXPECT_EQ(p->roiSize, e.next[l - 1]) << "level " << l;
+                ASSERT_EQ(p->roiSize, e.next[l - 1]) << "level " << l;
+                // A side of one has nothing to decimate from; it is the caller's to avoid.
+                if (prev.width < 2 || prev.height < 2) continue;
+                const auto g = pyrtest::toGrid(*p);
+                for (int y = 0; y < g.h && prev.width % 2; ++y)
+                    EXPECT_EQ(g.at(g.w - 1, y), g.at(g.w - 2, y)) << "level " << l;
+                for (int x = 0; x < g.w && prev.height % 2; ++x)
+                    EXPECT_EQ(g.at(x, g.h - 1), g.at(x, g.h - 2)) << "level " << l;
             }
-    }
-}
-
-TEST(MaskPyramid, OddSidesRepeatTheLastDecimatedColumnAndRow) {
-    Level0 in(5, 3, 2);
-    CMaskPyr pyr;
-    ASSERT_EQ(in.build(pyr, 1), 0);
-    for (Plane* p : levelPlanes(pyr, 1)) {
-        const auto g = pyrtest::toGrid(*p);
-        ASSERT_EQ(g.w, 3);
-        ASSERT_EQ(g.h, 2);
-        for (int y = 0; y < 2; ++y) EXPECT_EQ(g.at(2, y), g.at(1, y));
-        for (int x = 0; x < 3; ++x) EXPECT_EQ(g.at(x, 1), g.at(x, 0));
+            prev = e.next[l - 1];
+        }
     }
 }
 

@@ -1,10 +1,12 @@
-// Test helpers for the pyramid: plain pixel grids for slow references, and
-// filling, reading and comparing image regions.
+// Test helpers for the pyramid: plain pixel grids for slow references,
+// filling, reading and comparing image regions, and random pictures with a
+// linear colour-to-alpha model for the coefficient routes.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <opencv2/core.hpp>
 #include <random>
 #include <type_traits>
 #include <vector>
@@ -89,5 +91,22 @@ double maxAbsDiff(const Grid<T>& a, const Grid<T>& b) {
         worst = std::max(worst, std::fabs(double(a.px[i]) - double(b.px[i])));
     return worst;
 }
+
+// Random four-byte picture with every channel in [lo, hi].
+inline cv::Mat randomPicture(int w, int h, uint64_t seed, int lo = 0, int hi = 255) {
+    cv::Mat m(h, w, CV_8UC4);
+    cv::RNG(seed).fill(m, cv::RNG::UNIFORM, lo, hi + 1);
+    return m;
+}
+
+// alpha = b + a1*c0 + a2*c1 + a3*c2 with colours in [0, 1].
+struct LinearModel {
+    double a1, a2, a3, b;
+    double at(const float* c) const { return b + a1 * c[0] + a2 * c[1] + a3 * c[2]; }
+    double at(const cv::Vec4b& p) const {
+        const float c[3] = {p[0] / 255.0f, p[1] / 255.0f, p[2] / 255.0f};
+        return at(c);
+    }
+};
 
 }  // namespace pyrtest

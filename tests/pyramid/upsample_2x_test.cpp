@@ -206,25 +206,21 @@ void expectMatchesReference(int cw, int chh, int dw, int dh, int nSrc, int nGuid
 
 // ---- fast passes against the reference ----------------------------------------
 
-TEST(GuidedUpsampleMatchesReference, BytesExactlyForEvenOddAndOversizedShapes) {
-    // Exact: 8-bit weights and values make every sum exact in float.
+TEST(GuidedUpsampleMatchesReference, EveryElementTypeAndShape) {
+    // Bytes exactly: 8-bit weights and values make every sum exact in float. The
+    // third has a source larger than half the destination and a destination
+    // wider than 2w'; the fourth a low-contrast guide whose weights fall in the
+    // table's middle range.
     expectMatchesReference<unsigned char>(6, 5, 12, 10, 1, 3, 0, 255, 9.0, 0, 1);
     expectMatchesReference<unsigned char>(7, 4, 15, 9, 2, 3, 0, 255, 9.0, 0, 2);
-    // Source larger than half the destination; destination wider than 2w'.
     expectMatchesReference<unsigned char>(9, 9, 13, 11, 1, 4, 0, 255, 2.0, 0, 3);
-    // Low-contrast guide so weights fall in the table's middle range.
     expectMatchesReference<unsigned char>(8, 6, 16, 12, 1, 1, 100, 140, 9.0, 0, 4);
     expectMatchesReference<unsigned char>(5, 5, 10, 10, 3, 0, 0, 255, 9.0, 0, 5);
-}
-
-TEST(GuidedUpsampleMatchesReference, FloatThroughThePiecewiseLinearTable) {
-    // A small p spreads guide differences of 0..3 over the whole table.
+    // Float: a small p spreads guide differences of 0..3 over the whole table.
     expectMatchesReference<float>(6, 5, 12, 11, 1, 3, 0, 1, 0.05, 1e-5, 11);
     expectMatchesReference<float>(7, 6, 14, 12, 2, 2, 0, 1, 0.2, 1e-5, 12);
-}
-
-TEST(GuidedUpsampleMatchesReference, SixteenBitFollowTheFloatScheme) {
-    // Within one level: float rounding order may flip an exact half.
+    // 16-bit follow the float scheme, within one level: float rounding order
+    // may flip an exact half.
     expectMatchesReference<short>(6, 5, 13, 10, 1, 3, 0, 30000, 2000.0, 1, 21);
     expectMatchesReference<unsigned short>(6, 5, 12, 10, 1, 3, 0, 60000, 2000.0, 1, 22);
 }
@@ -332,22 +328,19 @@ TEST(GuidedUpsample, FloatZeroWeightSumFallsBackToThePlainMean) {
                         1e-6);
 }
 
-TEST(GuidedUpsample, RefusesFiveGuidesAndWritesNothing) {
+// Five guides are refused with nothing written; a 1 x 1 coarse image writes
+// only the fine pixel (0, 0).
+TEST(GuidedUpsample, FiveGuidesOrAOnePixelCoarseImage) {
     std::mt19937 rng(41);
-    const auto c = randomCase<unsigned char>(4, 4, 8, 8, 1, 5, 0, 255, rng);
-    std::vector<Grid<unsigned char>> got;
-    EXPECT_EQ(runEngine(c, 9.0, got), 0);
-    EXPECT_EQ(pyrtest::maxAbsDiff(got[0], c.dst[0]), 0);
-}
-
-TEST(GuidedUpsample, OnePixelCoarseImageWritesOnlyTheFirstFinePixel) {
-    std::mt19937 rng(42);
-    auto c = randomCase<unsigned char>(1, 1, 3, 3, 1, 3, 0, 255, rng);
-    std::vector<Grid<unsigned char>> got;
-    ASSERT_EQ(runEngine(c, 9.0, got), 1);
-    auto expected = c.dst[0];
-    expected.at(0, 0) = c.src[0].at(0, 0);
-    EXPECT_EQ(pyrtest::maxAbsDiff(got[0], expected), 0);
+    for (const int nGuide : {5, 3}) {
+        const int coarse = nGuide == 5 ? 4 : 1;
+        const auto c = randomCase<unsigned char>(coarse, coarse, 8, 8, 1, nGuide, 0, 255, rng);
+        std::vector<Grid<unsigned char>> got;
+        EXPECT_EQ(runEngine(c, 9.0, got), nGuide == 5 ? 0 : 1);
+        auto expected = c.dst[0];
+        if (nGuide < 5) expected.at(0, 0) = c.src[0].at(0, 0);
+        EXPECT_EQ(pyrtest::maxAbsDiff(got[0], expected), 0) << nGuide << " guides";
+    }
 }
 
 TEST(GuidedUpsample, CombinedResizesAnyCoarseSizeOntoHalfTheDestination) {
