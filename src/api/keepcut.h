@@ -31,14 +31,29 @@
      call that received it. Pointers returned by the engine are owned by the
      engine unless an entry says otherwise.
    - Threads: computing entries may run at the same time on different host
-     threads as long as each works on its own request record and buffers;
-     each call's result is then the same as if it ran alone. What steers a
-     computation is per calling thread: the progress callback and counter
-     (setProgProc and the request's progProc) apply to calls made from the
-     thread that installed them. The message log is one for the process and
-     locked: lines from two threads may interleave, and the text getErrMsg
-     returns may be changed by another thread's next append. The direct
-     solves of two threads take turns. */
+     threads as long as no two calls share a request record or a buffer
+     that one of them writes (mask, brushInfo, foreground, b, and the
+     request's region fields); each call's result is then the same as if it
+     ran alone. The direct solves of two threads take turns. Each request
+     sizes its work to the machine's memory as if it ran alone, so two large
+     requests at once can fail with -6 or -1 where either alone would not.
+   - Per calling thread: the progress state (setProgProc, setProgRange,
+     progressKick, initProgProc, and the stages a request sets up from its
+     progProc/progData; progressReady true rebinds the stages set up earlier
+     on the same thread) and the stopwatch (startTimer/endTimer). A callback
+     is called on the thread of the call that installed it, with that call's
+     data, never on another thread.
+   - The message log is one for the process and locked: any thread may call
+     copyErrMsg, getErrMsg and clearErrMsg; each text lands whole, and texts
+     of two threads interleave in the order they were appended. getErrMsg
+     returns the log itself, not a copy: while another thread appends or
+     clears, the text can change under the reader (cut short or continued by
+     newer text, never read past the buffer's end). A host that reads the log
+     while other threads compute should copy it at once; clearing it before
+     a request keeps only that request's lines only while no other request
+     runs.
+   - The settings globals (gTempPath, gMKL_PARDISO_OOC_*) are plain process
+     variables: set them before starting threads. */
 #ifndef KEEPCUT_H
 #define KEEPCUT_H
 
@@ -75,7 +90,7 @@ KC_EXPORT int progressKick(void);
 KC_EXPORT int copyErrMsg(const char* text);
 /* The log, oldest text first, zero-terminated. The pointer is owned by the
    engine and stays valid for the life of the library; reading does not empty
-   the log. */
+   the log. It is the log itself, shared by all threads (see Threads above). */
 KC_EXPORT char* getErrMsg(void);
 /* Empties the log. */
 KC_EXPORT void clearErrMsg(void);

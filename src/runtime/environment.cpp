@@ -1,6 +1,7 @@
 // Environment switches, settings globals, record counter and stopwatch.
 #include "runtime/environment.h"
 
+#include <atomic>
 #include <chrono>
 
 char gTempPath[KC_SETTINGS_PATH_BYTES] = "";
@@ -8,9 +9,9 @@ char gMKL_PARDISO_OOC_PATH[KC_SETTINGS_PATH_BYTES] = "";
 int gMKL_PARDISO_OOC_MAX_CORE_SIZE = 0;
 int gMKL_PARDISO_OOC_KEEP_FILE = 0;
 
-int gMKL_PARDISO_OOC_OK = 0;
-int g_rkpImgNum = 0;
-double g_timer = 0.0;
+std::atomic<int> gMKL_PARDISO_OOC_OK{0};
+std::atomic<int> g_rkpImgNum{0};
+thread_local double g_timer = 0.0;
 
 void setMaxOMPThreads(int) {}
 void resetMaxOMPThreads() {}

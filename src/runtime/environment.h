@@ -2,11 +2,18 @@
 // the stopwatch.
 #pragma once
 
+#include <atomic>
+
 #include "api/keepcut.h"
 
-extern int gMKL_PARDISO_OOC_OK;  // 0: the direct solver may not work out of core
-extern int g_rkpImgNum;          // live public image records
-extern double g_timer;           // stopwatch start (ticks), then the last reading (s)
+// 0: the direct solver may not work out of core. Any thread may set it up.
+extern std::atomic<int> gMKL_PARDISO_OOC_OK;
+// Live public image records of the whole process: a record may be created on
+// one thread and freed on another, and a leak check wants them all.
+extern std::atomic<int> g_rkpImgNum;
+// Stopwatch start (ticks), then the last reading (s); per thread, so that one
+// thread's timing does not restart another's.
+extern thread_local double g_timer;
 
 // Accepted for hosts that call them; the thread count stays the runtime's default.
 void setMaxOMPThreads(int n);

@@ -1,14 +1,26 @@
-// Message log ring: append, rotate to oldest-first on read, clear.
+// Message log ring: append, rotate to oldest-first on read, clear. One lock
+// covers every change to the ring, so texts from requests on several threads
+// land whole and in the order their appends took the lock.
 #include "runtime/err_msg.h"
 
+#include <algorithm>
 #include <cstring>
-#include <vector>
+#include <mutex>
 
-char g_rkLastErrMsg_p[kErrMsgBytes];
+// The ring plus one byte that stays zero: a host still reading the returned
+// text while another thread appends (and so moves the terminator) stops at
+// the end of the buffer at the latest.
+char g_rkLastErrMsg_p[kErrMsgBytes + 1];
 int g_rkLastErrEnd = 0;
 bool g_rkLastErrIsWrap = false;
 
+namespace {
+// Constant-initialised, so it is ready even for texts logged during start-up.
+constinit std::mutex g_logLock;
+}  // namespace
+
 int copyErrMsg(const char* text) {
+    const std::lock_guard<std::mutex> hold(g_logLock);
     if (!text) return g_rkLastErrEnd;
     for (const char* c = text; *c; ++c) {
         g_rkLastErrMsg_p[g_rkLastErrEnd++] = *c;
@@ -21,11 +33,12 @@ int copyErrMsg(const char* text) {
 }
 
 char* getErrMsg(void) {
+    const std::lock_guard<std::mutex> hold(g_logLock);
     if (g_rkLastErrIsWrap) {
-        // Rotate so that the byte after the end position becomes byte 0.
-        std::vector<char> copy(g_rkLastErrMsg_p, g_rkLastErrMsg_p + kErrMsgBytes);
-        for (int i = 0; i < kErrMsgBytes; ++i)
-            g_rkLastErrMsg_p[i] = copy[(g_rkLastErrEnd + 1 + i) % kErrMsgBytes];
+        // Rotate so that the byte after the end position becomes byte 0. In
+        // place: a host reads the log after a failure, often one of memory.
+        std::rotate(g_rkLastErrMsg_p, g_rkLastErrMsg_p + g_rkLastErrEnd + 1,
+                    g_rkLastErrMsg_p + kErrMsgBytes);
         g_rkLastErrEnd = kErrMsgBytes - 1;
         g_rkLastErrIsWrap = false;
     }
@@ -34,6 +47,7 @@ char* getErrMsg(void) {
 }
 
 void clearErrMsg(void) {
+    const std::lock_guard<std::mutex> hold(g_logLock);
     g_rkLastErrEnd = 0;
     g_rkLastErrIsWrap = false;
 }

@@ -4,12 +4,14 @@
 
 #include "api/keepcut.h"
 
-// Flat counter state (plain globals; one request at a time).
-extern RKProgressProc gProgProc;
-extern void* gProgDatap;
-extern int gProgressCurrent;
-extern int gProgressInc;
-extern int gProgressTotal;
+// Flat counter state, one per thread: a host installs the callback on the
+// thread it computes on, and the solvers kick from that same thread, so two
+// requests on two threads never see each other's callback or count.
+extern thread_local RKProgressProc gProgProc;
+extern thread_local void* gProgDatap;
+extern thread_local int gProgressCurrent;
+extern thread_local int gProgressInc;
+extern thread_local int gProgressTotal;
 
 // Deepest nesting level of CProgMsgGlobal; deeper stages overwrite this one.
 inline constexpr int kProgMaxLevel = 126;
@@ -20,6 +22,7 @@ inline constexpr int kProgFullScale = 1000000;
 
 // Nested stages: each stage has a weight relative to its parent and a done
 // fraction; the reported value is the weighted sum of the done fractions.
+// There is one instance per thread, like the flat counter.
 class CProgMsgGlobal {
   public:
     RKProgressProc callback = nullptr;
@@ -28,8 +31,9 @@ class CProgMsgGlobal {
     float weight[kProgLevels] = {};
     float done[kProgLevels] = {};
 
-    static CProgMsgGlobal* m_inst;
-    // The singleton, created on first use.
+    static thread_local CProgMsgGlobal* m_inst;
+    // This thread's instance, created on first use; it lives as long as the
+    // thread.
     static CProgMsgGlobal* Inst();
 
     CProgMsgGlobal() { setup(nullptr, nullptr, 0.0f); }

@@ -1,14 +1,14 @@
-// The flat progress counter driven by the solvers.
+// The flat progress counter driven by the solvers, one per thread.
 #include <algorithm>
 #include <climits>
 
 #include "runtime/progress.h"
 
-RKProgressProc gProgProc = nullptr;
-void* gProgDatap = nullptr;
-int gProgressCurrent = 0;
-int gProgressInc = 0;
-int gProgressTotal = 0;
+thread_local RKProgressProc gProgProc = nullptr;
+thread_local void* gProgDatap = nullptr;
+thread_local int gProgressCurrent = 0;
+thread_local int gProgressInc = 0;
+thread_local int gProgressTotal = 0;
 
 int initProgProc(void) {
     gProgressTotal = gProgressCurrent = gProgressInc = 0;

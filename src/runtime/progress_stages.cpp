@@ -3,6 +3,7 @@
 // string naming the reporter.
 #include <algorithm>
 #include <iterator>
+#include <new>
 
 #include "runtime/progress.h"
 
@@ -20,10 +21,16 @@ int callGuarded(RKProgressProc cb, int current, int total, void* data, const cha
 }
 }  // namespace
 
-CProgMsgGlobal* CProgMsgGlobal::m_inst = nullptr;
+thread_local CProgMsgGlobal* CProgMsgGlobal::m_inst = nullptr;
 
 CProgMsgGlobal* CProgMsgGlobal::Inst() {
-    if (!m_inst) m_inst = new CProgMsgGlobal();  // lives for the process
+    // Each thread reports its own request's stages. The instance is built in
+    // plain thread storage and never destroyed: a thread_local object with a
+    // destructor registers that destructor on first use, and the C library
+    // ends the process when the registration finds no memory. The instance
+    // holds no resources, so nothing is lost when its thread ends.
+    alignas(CProgMsgGlobal) thread_local unsigned char storage[sizeof(CProgMsgGlobal)];
+    if (!m_inst) m_inst = new (storage) CProgMsgGlobal();
     return m_inst;
 }
 

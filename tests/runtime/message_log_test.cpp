@@ -1,6 +1,7 @@
 // Message log ring and the entry guard that writes into it.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <functional>
 #include <new>
 #include <stdexcept>
@@ -51,10 +52,13 @@ TEST_F(MessageLog, NewestTextOverwritesOldestAfterWrap) {
     // Reads from end+1: the x's that survived, then the whole new text.
     EXPECT_EQ(got.substr(got.size() - 10), "0123456789");
     EXPECT_EQ(got.find_first_not_of('x'), got.size() - 10);
-    // Appending after the rotation continues at the end, wrapping again.
+    // Appending after the rotation continues at the end, wrapping again. The
+    // text a host still holds has lost its terminator, yet stops at the end
+    // of the buffer.
     copyErrMsg("Z");
     EXPECT_TRUE(g_rkLastErrIsWrap);
     EXPECT_EQ(g_rkLastErrEnd, 0);
+    EXPECT_EQ(std::strlen(g_rkLastErrMsg_p), static_cast<size_t>(kErrMsgBytes));
 }
 
 // Every failure the guard sees leaves the entry's line after whatever text
