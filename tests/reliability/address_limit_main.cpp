@@ -1,26 +1,18 @@
 // Address-space limit test of the main entry. A first child runs a job of
-// about 600x450 and measures the address space the process needed; then a
-// child per headroom limits its address space (RLIMIT_AS) to that need plus
-// the headroom and runs the same job. Every call must return a documented
-// result with the strokes intact, and return promptly: a dependency that
-// retries a failed mapping forever is caught by an alarm.
-//
-//   reliability_address_limit [--parallel P]
+// about 600x450 and measures the address space the call needed; then a child
+// per headroom runs it with its address space (RLIMIT_AS) limited to that need
+// plus the headroom. Every call must return a documented result with the
+// strokes intact, and promptly (an alarm catches a retry loop on mappings).
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
-#include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
-#include <string>
 #include <vector>
 
-#include "alloc_origin.h"
-#include "child_process.h"
-#include "reliability_job.h"
+#include "reliability.h"
 
 namespace {
 
@@ -41,36 +33,32 @@ constexpr long kMB = 1L << 20;
 constexpr unsigned kCallSeconds = 10;
 // Building the job's picture and maps, before the call's own alarm is set.
 constexpr unsigned kSetUpSeconds = 60;
+constexpr long kUnlimited = -1;  // a budget that sets no limit
 
 struct Report {
-    int returned;
-    int result;
-    int paintedChanged, oddResults;
+    JobOutcome outcome;
     double seconds;
     long callBytes;  // address space the call added, at its peak
 };
 
-constexpr long kUnlimited = -1;  // a budget that sets no limit
-
-// A field of /proc/self/status in bytes ("VmSize", "VmPeak").
-long addressSpace(const char* field) {
+// A field of /proc/self/status in bytes ("VmSize:", "VmPeak:").
+long addressSpace(const std::string& field) {
     std::ifstream status("/proc/self/status");
-    const std::string key = std::string(field) + ":";
-    for (std::string line; std::getline(status, line);)
-        if (line.rfind(key, 0) == 0) return std::atol(line.c_str() + key.size()) * 1024;
+    for (std::string word; status >> word;)
+        if (word == field && status >> word) return std::atol(word.c_str()) * 1024;
     return 0;
 }
 
 // Runs the job; with a budget, the address space is limited to what the
 // process holds when the call starts plus the budget (measured from there, as
 // the set-up before the call varies a little between children).
-void runLimited(const JobSpec& spec, long budget, Report* report) {
+void runLimited(const JobSpec& spec, long budget, Report& r) {
     std::chrono::steady_clock::time_point start;
     long before = 0;
-    const JobOutcome outcome = runJob(
+    r.outcome = runJob(
         spec,
         [&] {
-            before = addressSpace("VmSize");
+            before = addressSpace("VmSize:");
             if (budget != kUnlimited) {
                 const auto bytes = static_cast<rlim_t>(before + budget);
                 const rlimit limit{bytes, bytes};
@@ -80,68 +68,44 @@ void runLimited(const JobSpec& spec, long budget, Report* report) {
             start = std::chrono::steady_clock::now();
         },
         [] {});
-    report->seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    report->callBytes = addressSpace("VmPeak") - before;
-    report->result = outcome.result;
-    report->paintedChanged = outcome.paintedChanged;
-    report->oddResults = outcome.oddResults;
-    report->returned = 1;
+    r.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    r.callBytes = addressSpace("VmPeak:") - before;
 }
 
-const char* endText(const Report& r, const ChildEnd& end, char* buffer, std::size_t size) {
-    if (r.returned)
-        std::snprintf(buffer, size, "returned %d in %.2f s", r.result, r.seconds);
-    else if (end.signal == SIGALRM)
-        std::snprintf(buffer, size, "no return within %u s", kCallSeconds);
-    else if (end.signal)
-        std::snprintf(buffer, size, "died by signal %d (%s)", end.signal, strsignal(end.signal));
-    else
-        std::snprintf(buffer, size, "ended the process with exit status %d", end.status);
-    return buffer;
+std::string endText(const Report& r, const ChildEnd& end) {
+    return end.returned ? format("returned %d in %.2f s", r.outcome.result, r.seconds)
+                        : end.describe(kCallSeconds);
 }
 
-bool checkJob(const ChildRunner& runner, const JobSpec& spec) {
+bool checkJob(const JobSpec& spec) {
     std::printf("job \"%s\"\n", spec.name);
     long need = 0;
-    bool ok = true;
-    char text[160];
-    runner.run(
-        1, [&](int, void* area) { runLimited(spec, kUnlimited, static_cast<Report*>(area)); },
-        [&](int, const void* area, const ChildEnd& end) {
-            const Report& r = *static_cast<const Report*>(area);
+    bool ok = false;
+    runChildren<Report>(
+        1, kSetUpSeconds, [&](int, Report& r) { runLimited(spec, kUnlimited, r); },
+        [&](int, const Report& r, const ChildEnd& end) {
             std::printf("  unlimited: %s; the call needed %.0f MB more address space\n",
-                        endText(r, end, text, sizeof text), r.callBytes / double(kMB));
-            ok = r.returned && r.result == 1;
+                        endText(r, end).c_str(), r.callBytes / double(kMB));
+            ok = end.returned && r.outcome.result == 1;
             need = r.callBytes;
         });
     if (!ok) return false;
 
     // Lines by headroom, printed in order once every child has ended.
     std::vector<std::string> lines(std::size(kHeadroomsMB));
-    runner.run(
-        static_cast<int>(std::size(kHeadroomsMB)),
-        [&](int i, void* area) {
-            runLimited(spec, std::max(0L, need + kHeadroomsMB[i] * kMB),
-                       static_cast<Report*>(area));
-        },
-        [&](int i, const void* area, const ChildEnd& end) {
-            const Report& r = *static_cast<const Report*>(area);
-            const bool good = r.returned && isDocumentedResult(r.result) && r.paintedChanged == 0 &&
-                              r.oddResults == 0;
-            char line[320];
-            std::snprintf(line, sizeof line, "  limit need%+5ld MB: %s%s\n", kHeadroomsMB[i],
-                          endText(r, end, text, sizeof text), good ? "" : "  FAULT");
-            lines[i] = line;
+    runChildren<Report>(
+        static_cast<int>(std::size(kHeadroomsMB)), kSetUpSeconds,
+        [&](int i, Report& r) { runLimited(spec, std::max(0L, need + kHeadroomsMB[i] * kMB), r); },
+        [&](int i, const Report& r, const ChildEnd& end) {
+            const bool good =
+                end.returned && isDocumentedResult(r.outcome.result) && r.outcome.strokesIntact();
+            lines[i] = format("  limit need%+5ld MB: %s%s\n", kHeadroomsMB[i],
+                              endText(r, end).c_str(), good ? "" : "  FAULT");
             if (good) return;
             ok = false;
-            if (r.returned) {
-                std::snprintf(line, sizeof line, "    painted changed %d, odd results %d\n",
-                              r.paintedChanged, r.oddResults);
-                lines[i] += line;
-            }
-            if (!end.errorText.empty())
-                lines[i] += "    stderr: " + end.errorText.substr(0, 300) + "\n";
+            lines[i] +=
+                format("    painted changed %d, odd results %d; stderr: %s\n",
+                       r.outcome.paintedChanged, r.outcome.oddResults, end.errorText.c_str());
             if (end.stackDepth > 0) {
                 std::printf("  stack at the signal, limit need%+ld MB:\n", kHeadroomsMB[i]);
                 printStack(stdout, end.stack, end.stackDepth, "      ");
@@ -153,14 +117,9 @@ bool checkJob(const ChildRunner& runner, const JobSpec& spec) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    ChildRunner runner;
-    runner.areaBytes = sizeof(Report);
-    runner.alarmSeconds = kSetUpSeconds;
-    for (int i = 1; i + 1 < argc; i += 2)
-        if (!std::strcmp(argv[i], "--parallel")) runner.parallel = std::atoi(argv[i + 1]);
+int main() {
     bool ok = true;
-    for (const JobSpec& spec : kJobs) ok = checkJob(runner, spec) && ok;
+    for (const JobSpec& spec : kJobs) ok = checkJob(spec) && ok;
     std::printf("%s\n", ok ? "PASS" : "FAIL");
     return ok ? 0 : 1;
 }

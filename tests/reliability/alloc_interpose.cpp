@@ -1,17 +1,18 @@
-// The allocation functions of this test program. Defined in the executable,
-// they take the place of glibc's for every library of the process (OpenCV,
-// OpenBLAS, the C++ runtime, glibc itself), forward to glibc's own entry
-// points, and number, fail and remember blocks as alloc_interpose.h says.
+// The allocation functions of the sweep program: defined in the executable,
+// they replace glibc's for every library of the process, forward to glibc's
+// own entry points, and number, fail and remember blocks.
 #include "alloc_interpose.h"
 
 #include <execinfo.h>
 #include <malloc.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <cstddef>
-#include <cstdint>
+#include <memory_resource>
+#include <mutex>
 #include <new>
+#include <unordered_map>
 
 extern "C" {
 void* __libc_malloc(std::size_t);
@@ -25,197 +26,54 @@ void* __libc_pvalloc(std::size_t);
 
 namespace {
 
-struct Slot {
-    void* block;  // null: empty; kRemoved: a freed entry that probing must pass
-    void* caller;
-    std::size_t bytes;
-    int depth;
-    void* frames[kc_sweep::kBlockFrames];
-};
-// Open-addressed table of the blocks held: a small job holds a few thousand at
-// a time, so this many slots keep probing short; static, so that remembering
-// never allocates.
-constexpr std::size_t kSlots = std::size_t{1} << 15;
-void* const kRemoved = reinterpret_cast<void*>(std::uintptr_t{1});
-Slot g_slots[kSlots];
-std::size_t g_used = 0;  // slots not empty (live or removed)
-bool g_overflow = false;
-std::atomic_flag g_lock = ATOMIC_FLAG_INIT;
+// The blocks held, by address, in a static arena (so that keeping the table
+// never re-enters the functions below) with freed nodes reused; a small job
+// holds a few thousand blocks at a time, far from filling it.
+alignas(std::max_align_t) char g_arenaBytes[std::size_t{64} << 20];
+std::pmr::monotonic_buffer_resource g_arena(g_arenaBytes, sizeof g_arenaBytes,
+                                            std::pmr::null_memory_resource());
+std::pmr::unsynchronized_pool_resource g_pool(&g_arena);
+std::pmr::unordered_map<void*, kc_sweep::HeldBlock> g_held(&g_pool);
+std::mutex g_lock;  // of the table; taking it never allocates
 
-std::atomic<bool> g_armed{false};      // numbering and remembering
-std::atomic<bool> g_following{false};  // frees looked up in the table
+// Armed: allocations numbered and remembered; after it, frees still followed.
+enum State { kIdle, kFollowing, kArmed };
+std::atomic<State> g_state{kIdle};
 bool g_stacks = false;
 std::atomic<long> g_numbered{0};
 long g_failAt = 0;
-kc_sweep::FailObserver g_observer = nullptr;
-// Set while the observer runs, so that anything it allocates is not numbered.
-thread_local bool t_inObserver = false;
-
-struct TableLock {
-    TableLock() {
-        while (g_lock.test_and_set(std::memory_order_acquire)) {
-        }
-    }
-    ~TableLock() { g_lock.clear(std::memory_order_release); }
-};
-
-std::size_t slotOf(const void* block) {
-    // Blocks are 16-byte aligned: drop the zero bits, then mix (Fibonacci hashing).
-    const auto key = reinterpret_cast<std::uintptr_t>(block) >> 4;
-    return static_cast<std::size_t>(key * 0x9E3779B97F4A7C15ull) & (kSlots - 1);
-}
-
-void insertLocked(const Slot& entry) {
-    // Keep a quarter of the table empty so that a failed lookup ends quickly.
-    if (g_used >= kSlots - kSlots / 4) {
-        g_overflow = true;
-        return;
-    }
-    for (std::size_t i = slotOf(entry.block);; i = (i + 1) & (kSlots - 1)) {
-        Slot& s = g_slots[i];
-        if (s.block == nullptr || s.block == kRemoved) {
-            if (s.block == nullptr) ++g_used;
-            s = entry;
-            return;
-        }
-    }
-}
-
-void eraseLocked(void* block) {
-    for (std::size_t i = slotOf(block);; i = (i + 1) & (kSlots - 1)) {
-        Slot& s = g_slots[i];
-        if (s.block == nullptr) return;
-        if (s.block == block) {
-            s.block = kRemoved;
-            return;
-        }
-    }
-}
-
-// Allocations per caller: a job has a few hundred distinct call sites.
-constexpr int kCallerSlots = 1024;
-struct CallerCount {
-    void* caller;
-    long count;
-};
-CallerCount g_callers[kCallerSlots];
-
-void countCaller(void* caller) {
-    const TableLock hold;
-    for (CallerCount& c : g_callers) {
-        if (c.caller == caller || c.caller == nullptr) {
-            c.caller = caller;
-            ++c.count;
-            return;
-        }
-    }
-}
+void (*g_onFail)(void*) = nullptr;
+// Set while the observer or a stack walk runs: their allocations are not the program's.
+thread_local bool t_aside = false;
 
 // Numbers one allocation; true if it is the one to fail.
 bool failsNow(void* caller) {
-    if (!g_armed.load(std::memory_order_relaxed) || t_inObserver) return false;
-    countCaller(caller);
+    if (g_state.load(std::memory_order_relaxed) != kArmed || t_aside) return false;
     if (g_numbered.fetch_add(1, std::memory_order_relaxed) + 1 != g_failAt) return false;
-    if (g_observer) {
-        t_inObserver = true;
-        g_observer(caller);
-        t_inObserver = false;
-    }
+    t_aside = true;
+    g_onFail(caller);
+    t_aside = false;
     return true;
 }
 
 void remember(void* block, std::size_t bytes, void* caller) {
-    if (!block || !g_armed.load(std::memory_order_relaxed) || t_inObserver) return;
-    Slot entry{block, caller, bytes, 0, {}};
+    if (!block || g_state.load(std::memory_order_relaxed) != kArmed || t_aside) return;
+    kc_sweep::HeldBlock entry{caller, static_cast<long>(bytes), 0, {}};
     if (g_stacks) {
-        t_inObserver = true;  // the stack walk is not the program's allocation
+        t_aside = true;
         entry.depth = backtrace(entry.frames, kc_sweep::kBlockFrames);
-        t_inObserver = false;
+        t_aside = false;
     }
-    const TableLock hold;
-    insertLocked(entry);
+    const std::lock_guard hold(g_lock);
+    g_held.insert_or_assign(block, entry);
 }
 
 void forget(void* block) {
-    if (!block || !g_following.load(std::memory_order_relaxed)) return;
-    const TableLock hold;
-    eraseLocked(block);
+    if (!block || g_state.load(std::memory_order_relaxed) == kIdle) return;
+    const std::lock_guard hold(g_lock);
+    g_held.erase(block);
 }
 
-bool validAlignment(std::size_t align) {
-    return align >= sizeof(void*) && (align & (align - 1)) == 0;
-}
-
-void* newBlock(std::size_t n, std::size_t align, void* caller, bool nothrow) {
-    if (n == 0) n = 1;  // every operator new returns a distinct block
-    void* block = nullptr;
-    if (!failsNow(caller))
-        block = align > alignof(std::max_align_t) ? __libc_memalign(align, n) : __libc_malloc(n);
-    if (!block) {
-        if (nothrow) return nullptr;
-        throw std::bad_alloc();
-    }
-    remember(block, n, caller);
-    return block;
-}
-
-void deleteBlock(void* block) {
-    forget(block);
-    __libc_free(block);
-}
-
-}  // namespace
-
-namespace kc_sweep {
-
-void armAllocations(long failAt, FailObserver onFail, bool stacks) {
-    {
-        const TableLock hold;
-        // A fresh child's tables are still zero: clearing them would only
-        // touch megabytes of pages.
-        static bool armedBefore = false;
-        if (armedBefore) {
-            for (Slot& s : g_slots) s = {};
-            for (CallerCount& c : g_callers) c = {};
-        }
-        armedBefore = true;
-        g_used = 0;
-        g_overflow = false;
-    }
-    g_failAt = failAt;
-    g_observer = onFail;
-    g_stacks = stacks;
-    g_numbered.store(0);
-    g_following.store(true);
-    g_armed.store(true);
-}
-
-void disarmAllocations() {
-    g_armed.store(false);
-}
-
-long allocationsNumbered() {
-    return g_numbered.load();
-}
-
-bool visitHeldBlocks(void (*visit)(const HeldBlock&, void*), void* context) {
-    const TableLock hold;
-    for (const Slot& s : g_slots)
-        if (s.block != nullptr && s.block != kRemoved)
-            visit({s.caller, s.bytes, s.depth, s.frames}, context);
-    return !g_overflow;
-}
-
-void visitCallers(void (*visit)(void*, long, void*), void* context) {
-    const TableLock hold;
-    for (const CallerCount& c : g_callers)
-        if (c.caller) visit(c.caller, c.count, context);
-}
-
-}  // namespace kc_sweep
-
-// ---- the C allocation functions --------------------------------------------
-namespace {
 // One C allocation by caller of n bytes through glibc's function get().
 template <typename Get>
 void* cBlock(void* caller, std::size_t n, Get get) {
@@ -227,6 +85,16 @@ void* cBlock(void* caller, std::size_t n, Get get) {
     remember(block, n, caller);
     return block;
 }
+
+void* newBlock(std::size_t n, std::size_t align, void* caller, bool nothrow) {
+    n = std::max<std::size_t>(n, 1);  // every operator new returns a distinct block
+    void* block = cBlock(caller, n, [&] {
+        return align > alignof(std::max_align_t) ? __libc_memalign(align, n) : __libc_malloc(n);
+    });
+    if (!block && !nothrow) throw std::bad_alloc();
+    return block;
+}
+
 void* reallocBlock(void* old, std::size_t n, void* caller) {
     if (old && n == 0) {  // glibc frees the block and returns null
         forget(old);
@@ -243,37 +111,54 @@ void* reallocBlock(void* old, std::size_t n, void* caller) {
     }
     return block;
 }
+
 }  // namespace
 
+namespace kc_sweep {
+
+void armAllocations(long failAt, void (*onFail)(void*), bool stacks) {
+    g_failAt = failAt;
+    g_onFail = onFail;
+    g_stacks = stacks;
+    g_numbered.store(0);
+    g_state.store(kArmed);
+}
+
+long disarmAllocations() {
+    g_state.store(kFollowing);
+    return g_numbered.load();
+}
+
+int copyHeldBlocks(HeldBlock* out, int capacity) {
+    const std::lock_guard hold(g_lock);
+    int count = 0;
+    for (const auto& [block, held] : g_held)
+        if (count++ < capacity) out[count - 1] = held;
+    return count;
+}
+
+}  // namespace kc_sweep
+
+// ---- the C allocation functions --------------------------------------------
 extern "C" {
 
-void* malloc(std::size_t n) {
-    return cBlock(__builtin_return_address(0), n, [&] { return __libc_malloc(n); });
-}
-void* calloc(std::size_t count, std::size_t size) {
-    return cBlock(__builtin_return_address(0), count * size,
-                  [&] { return __libc_calloc(count, size); });
-}
-void* aligned_alloc(std::size_t align, std::size_t n) {
-    return cBlock(__builtin_return_address(0), n, [&] { return __libc_memalign(align, n); });
-}
-void* memalign(std::size_t align, std::size_t n) {
-    return cBlock(__builtin_return_address(0), n, [&] { return __libc_memalign(align, n); });
-}
-void* valloc(std::size_t n) {
-    return cBlock(__builtin_return_address(0), n, [&] { return __libc_valloc(n); });
-}
-void* pvalloc(std::size_t n) {
-    return cBlock(__builtin_return_address(0), n, [&] { return __libc_pvalloc(n); });
-}
+#define KC_C_ALLOC(name, params, bytes, call)                                    \
+    void* name params {                                                          \
+        return cBlock(__builtin_return_address(0), bytes, [&] { return call; }); \
+    }
+KC_C_ALLOC(malloc, (std::size_t n), n, __libc_malloc(n))
+KC_C_ALLOC(calloc, (std::size_t k, std::size_t n), (k * n), __libc_calloc(k, n))
+KC_C_ALLOC(aligned_alloc, (std::size_t align, std::size_t n), n, __libc_memalign(align, n))
+KC_C_ALLOC(memalign, (std::size_t align, std::size_t n), n, __libc_memalign(align, n))
+KC_C_ALLOC(valloc, (std::size_t n), n, __libc_valloc(n))
+KC_C_ALLOC(pvalloc, (std::size_t n), n, __libc_pvalloc(n))
 void free(void* block) {
-    deleteBlock(block);
+    forget(block);
+    __libc_free(block);
 }
-
 void* realloc(void* old, std::size_t n) {
     return reallocBlock(old, n, __builtin_return_address(0));
 }
-
 void* reallocarray(void* old, std::size_t count, std::size_t size) {
     std::size_t n = 0;
     if (__builtin_mul_overflow(count, size, &n)) {
@@ -282,9 +167,8 @@ void* reallocarray(void* old, std::size_t count, std::size_t size) {
     }
     return reallocBlock(old, n, __builtin_return_address(0));
 }
-
 int posix_memalign(void** out, std::size_t align, std::size_t n) {
-    if (!validAlignment(align)) return EINVAL;
+    if (align < sizeof(void*) || (align & (align - 1)) != 0) return EINVAL;
     void* block = cBlock(__builtin_return_address(0), n, [&] { return __libc_memalign(align, n); });
     if (!block) return ENOMEM;
     *out = block;
@@ -293,65 +177,31 @@ int posix_memalign(void** out, std::size_t align, std::size_t n) {
 
 }  // extern "C"
 
-// ---- the C++ allocation functions ------------------------------------------
-void* operator new(std::size_t n) {
-    return newBlock(n, 0, __builtin_return_address(0), false);
-}
-void* operator new[](std::size_t n) {
-    return newBlock(n, 0, __builtin_return_address(0), false);
-}
-void* operator new(std::size_t n, const std::nothrow_t&) noexcept {
-    return newBlock(n, 0, __builtin_return_address(0), true);
-}
-void* operator new[](std::size_t n, const std::nothrow_t&) noexcept {
-    return newBlock(n, 0, __builtin_return_address(0), true);
-}
-void* operator new(std::size_t n, std::align_val_t a) {
-    return newBlock(n, static_cast<std::size_t>(a), __builtin_return_address(0), false);
-}
-void* operator new[](std::size_t n, std::align_val_t a) {
-    return newBlock(n, static_cast<std::size_t>(a), __builtin_return_address(0), false);
-}
-void* operator new(std::size_t n, std::align_val_t a, const std::nothrow_t&) noexcept {
-    return newBlock(n, static_cast<std::size_t>(a), __builtin_return_address(0), true);
-}
-void* operator new[](std::size_t n, std::align_val_t a, const std::nothrow_t&) noexcept {
-    return newBlock(n, static_cast<std::size_t>(a), __builtin_return_address(0), true);
-}
+// ---- the C++ allocation functions: every form, scalar and array, so that
+// each allocation is seen from its own caller rather than from the runtime's
+// forwarding form.
+#define KC_NEW(params, align, nothrow)                                   \
+    void* operator new params noexcept(nothrow) {                        \
+        return newBlock(n, align, __builtin_return_address(0), nothrow); \
+    }                                                                    \
+    void* operator new[] params noexcept(nothrow) {                      \
+        return newBlock(n, align, __builtin_return_address(0), nothrow); \
+    }
+KC_NEW((std::size_t n), 0, false)
+KC_NEW((std::size_t n, const std::nothrow_t&), 0, true)
+KC_NEW((std::size_t n, std::align_val_t a), std::size_t(a), false)
+KC_NEW((std::size_t n, std::align_val_t a, const std::nothrow_t&), std::size_t(a), true)
 
-void operator delete(void* p) noexcept {
-    deleteBlock(p);
-}
-void operator delete[](void* p) noexcept {
-    deleteBlock(p);
-}
-void operator delete(void* p, std::size_t) noexcept {
-    deleteBlock(p);
-}
-void operator delete[](void* p, std::size_t) noexcept {
-    deleteBlock(p);
-}
-void operator delete(void* p, const std::nothrow_t&) noexcept {
-    deleteBlock(p);
-}
-void operator delete[](void* p, const std::nothrow_t&) noexcept {
-    deleteBlock(p);
-}
-void operator delete(void* p, std::align_val_t) noexcept {
-    deleteBlock(p);
-}
-void operator delete[](void* p, std::align_val_t) noexcept {
-    deleteBlock(p);
-}
-void operator delete(void* p, std::size_t, std::align_val_t) noexcept {
-    deleteBlock(p);
-}
-void operator delete[](void* p, std::size_t, std::align_val_t) noexcept {
-    deleteBlock(p);
-}
-void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept {
-    deleteBlock(p);
-}
-void operator delete[](void* p, std::align_val_t, const std::nothrow_t&) noexcept {
-    deleteBlock(p);
-}
+#define KC_DELETE(...)                                                    \
+    void operator delete(void* p __VA_OPT__(, ) __VA_ARGS__) noexcept {   \
+        free(p);                                                          \
+    }                                                                     \
+    void operator delete[](void* p __VA_OPT__(, ) __VA_ARGS__) noexcept { \
+        free(p);                                                          \
+    }
+KC_DELETE()
+KC_DELETE(std::size_t)
+KC_DELETE(const std::nothrow_t&)
+KC_DELETE(std::align_val_t)
+KC_DELETE(std::size_t, std::align_val_t)
+KC_DELETE(std::align_val_t, const std::nothrow_t&)
