@@ -18,7 +18,7 @@ namespace {
 
 using namespace kc_sweep;
 
-constexpr JobSpec kJobs[] = {
+constexpr JobKind kJobs[] = {
     {"whole 600x450, hiResPass 0", 600, 450, 0, false, false},
     {"whole 600x450, hiResPass 1", 600, 450, 1, false, false},
     {"region of 600x450, hiResPass 0, foreground", 600, 450, 0, true, true},
@@ -52,11 +52,11 @@ long addressSpace(const std::string& field) {
 // Runs the job; with a budget, the address space is limited to what the
 // process holds when the call starts plus the budget (measured from there, as
 // the set-up before the call varies a little between children).
-void runLimited(const JobSpec& spec, long budget, Report& r) {
+void runLimited(const JobKind& kind, long budget, Report& r) {
     std::chrono::steady_clock::time_point start;
     long before = 0;
     r.outcome = runJob(
-        spec,
+        kind,
         [&] {
             before = addressSpace("VmSize:");
             if (budget != kUnlimited) {
@@ -77,12 +77,12 @@ std::string endText(const Report& r, const ChildEnd& end) {
                         : end.describe(kCallSeconds);
 }
 
-bool checkJob(const JobSpec& spec) {
-    std::printf("job \"%s\"\n", spec.name);
+bool checkJob(const JobKind& kind) {
+    std::printf("job \"%s\"\n", kind.name);
     long need = 0;
     bool ok = false;
     runChildren<Report>(
-        1, kSetUpSeconds, [&](int, Report& r) { runLimited(spec, kUnlimited, r); },
+        1, kSetUpSeconds, [&](int, Report& r) { runLimited(kind, kUnlimited, r); },
         [&](int, const Report& r, const ChildEnd& end) {
             std::printf("  unlimited: %s; the call needed %.0f MB more address space\n",
                         endText(r, end).c_str(), r.callBytes / double(kMB));
@@ -95,7 +95,7 @@ bool checkJob(const JobSpec& spec) {
     std::vector<std::string> lines(std::size(kHeadroomsMB));
     runChildren<Report>(
         static_cast<int>(std::size(kHeadroomsMB)), kSetUpSeconds,
-        [&](int i, Report& r) { runLimited(spec, std::max(0L, need + kHeadroomsMB[i] * kMB), r); },
+        [&](int i, Report& r) { runLimited(kind, std::max(0L, need + kHeadroomsMB[i] * kMB), r); },
         [&](int i, const Report& r, const ChildEnd& end) {
             const bool good =
                 end.returned && isDocumentedResult(r.outcome.result) && r.outcome.strokesIntact();
@@ -119,7 +119,7 @@ bool checkJob(const JobSpec& spec) {
 
 int main() {
     bool ok = true;
-    for (const JobSpec& spec : kJobs) ok = checkJob(spec) && ok;
+    for (const JobKind& kind : kJobs) ok = checkJob(kind) && ok;
     std::printf("%s\n", ok ? "PASS" : "FAIL");
     return ok ? 0 : 1;
 }

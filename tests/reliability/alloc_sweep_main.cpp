@@ -32,7 +32,7 @@ using namespace kc_sweep;
 // upsampling; tiles and dense kernels of foreground recovery). The whole-picture
 // full-resolution pass widens a reduced picture narrower than 501 columns to
 // 501, keeping the aspect ratio: a low, wide picture keeps that job small.
-constexpr JobSpec kJobs[] = {
+constexpr JobKind kJobs[] = {
     {"whole 40x40, hiResPass 0", 40, 40, 0, false, false},
     {"whole 480x16, hiResPass 1", 480, 16, 1, false, false},
     {"region of 48x48, hiResPass 0, foreground", 48, 48, 0, true, true},
@@ -73,10 +73,10 @@ void onFailedAllocation(void* caller) {
     g_report->failDepth = backtrace(g_report->failStack, kFailFrames);
 }
 
-void runPoint(const JobSpec& spec, long failAt, bool stacks, Report& r) {
+void runPoint(const JobKind& kind, long failAt, bool stacks, Report& r) {
     g_report = &r;
     r.outcome = runJob(
-        spec, [&] { armAllocations(failAt, onFailedAllocation, stacks); },
+        kind, [&] { armAllocations(failAt, onFailedAllocation, stacks); },
         [&] { r.numbered = disarmAllocations(); });
     r.heldCount = copyHeldBlocks(r.held, kHeldBlocks);
     const std::string_view log = getErrMsg();  // its tail (a suffix of a C string), on one line
@@ -156,13 +156,13 @@ void printSummary(const Held& base, const Tally* tally, long numbered, double se
                 extraHeld.c_str(), examples.c_str());
 }
 
-bool sweepJob(const JobSpec& spec, long onlyK) {
+bool sweepJob(const JobKind& kind, long onlyK) {
     const auto start = std::chrono::steady_clock::now();
-    std::printf("job \"%s\"\n", spec.name);
+    std::printf("job \"%s\"\n", kind.name);
     Report clean{};  // a clean call: its count of allocations and first-use state
     bool ok = true;
     runChildren<Report>(
-        1, kChildAlarmSeconds, [&](int, Report& r) { runPoint(spec, 0, onlyK > 0, r); },
+        1, kChildAlarmSeconds, [&](int, Report& r) { runPoint(kind, 0, onlyK > 0, r); },
         [&](int, const Report& r, const ChildEnd& end) {
             clean = r;
             ok = end.returned && r.outcome.result == 1 && r.outcome.strokesIntact();
@@ -180,7 +180,7 @@ bool sweepJob(const JobSpec& spec, long onlyK) {
     const long first = onlyK > 0 ? onlyK : 1;
     runChildren<Report>(
         onlyK > 0 ? 1 : static_cast<int>(clean.numbered), kChildAlarmSeconds,
-        [&](int i, Report& r) { runPoint(spec, first + i, onlyK > 0, r); },
+        [&](int i, Report& r) { runPoint(kind, first + i, onlyK > 0, r); },
         [&](int i, const Report& r, const ChildEnd& end) {
             const long k = first + i;
             if (onlyK > 0) printPoint(k, r, end, "");

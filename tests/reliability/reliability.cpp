@@ -108,19 +108,19 @@ bool isDocumentedResult(int result) {
     return false;
 }
 
-JobOutcome runJob(const JobSpec& spec, const std::function<void()>& before,
+JobOutcome runJob(const JobKind& kind, const std::function<void()>& before,
                   const std::function<void()>& after) {
-    keepcut_test::KeepCutJob job(spec.width, spec.height);
-    if (spec.region) {
-        const int rw = spec.width / kRegionFraction, rh = spec.height / kRegionFraction;
-        job.setRegion((spec.width - rw) / 2, spec.height / 4, rw, rh, kRegionCellMode);
+    keepcut_test::KeepCutJob job(kind.width, kind.height);
+    if (kind.region) {
+        const int rw = kind.width / kRegionFraction, rh = kind.height / kRegionFraction;
+        job.setRegion((kind.width - rw) / 2, kind.height / 4, rw, rh, kRegionCellMode);
         job.request.mergeMode = kMergeByMaximum;
     }
-    job.request.recoverForeground = spec.recoverForeground;
+    job.request.recoverForeground = kind.recoverForeground;
     const cv::Mat painted = job.mask.clone();
 
     before();
-    const int result = rkKeepCutToAlpha(&job.request, spec.hiResPass, false);
+    const int result = rkKeepCutToAlpha(&job.request, kind.hiResPass, false);
     after();
 
     // Painted bytes must come back as they were; unpainted ones of the region

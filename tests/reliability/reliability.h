@@ -10,7 +10,7 @@
 
 namespace kc_sweep {
 
-struct JobSpec {
+struct JobKind {
     const char* name;
     int width, height, hiResPass;
     bool region;  // a region job over part of the picture (cellMode 1, merged by maximum)
@@ -26,7 +26,7 @@ struct JobOutcome {
 
 // Builds the job, calls before(), runs the main entry, calls after() and
 // checks the painted bytes: nothing between the hooks allocates but the entry.
-JobOutcome runJob(const JobSpec& spec, const std::function<void()>& before,
+JobOutcome runJob(const JobKind& kind, const std::function<void()>& before,
                   const std::function<void()>& after);
 // The results the main entry documents: success, the engine's thrown codes
 // and -6 for memory or an unexpected failure.
