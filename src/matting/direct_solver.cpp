@@ -189,6 +189,10 @@ void installSolverAllocator() {
 }
 
 // ---- owners of the library's objects ---------------------------------------
+bool ranOutOfMemory(const cholmod_common& c) {
+    return c.status == CHOLMOD_OUT_OF_MEMORY || c.status == CHOLMOD_TOO_LARGE;
+}
+
 class CholmodCommon {
   public:
     cholmod_common c;
@@ -204,9 +208,7 @@ class CholmodCommon {
     ~CholmodCommon() { cholmod_finish(&c); }
     CholmodCommon(const CholmodCommon&) = delete;
     CholmodCommon& operator=(const CholmodCommon&) = delete;
-    bool outOfMemory() const {
-        return c.status == CHOLMOD_OUT_OF_MEMORY || c.status == CHOLMOD_TOO_LARGE;
-    }
+    bool outOfMemory() const { return ranOutOfMemory(c); }
 };
 
 struct SparseDel {
@@ -285,28 +287,25 @@ bool allFinite(const cholmod_dense* d) {
 
 enum class Outcome { Solved, OutOfMemory };
 
-// The solve's result and workspaces, allocated here with their results
-// checked. The library's solve makes the same three for itself, with
+// A one-column solve's result and workspaces, allocated here with their
+// results checked. The library's solve makes the same three for itself, with
 // exactly these shapes, when it is handed none; but this version of it goes
 // on after such an allocation fails and reads through the null block. Handed
 // blocks of the right shape, it allocates nothing.
 struct SolveBlocks {
+    // A simplicial solve works on four right-hand sides at a time.
+    static constexpr int kSimplicialRows = 4;
     DensePtr x, y, e;
-    SolveBlocks(const cholmod_factor& L, int n, int nrhs, cholmod_common* c)
-        : x(cholmod_allocate_dense(n, nrhs, n, CHOLMOD_REAL, c), DenseDel{c}),
-          y(nullptr, DenseDel{c}),
-          e(nullptr, DenseDel{c}) {
-        if (L.is_super) {
-            y.reset(cholmod_allocate_dense(n, nrhs, n, CHOLMOD_REAL, c));
-            e.reset(cholmod_allocate_dense(nrhs, std::max<size_t>(L.maxesize, 1), nrhs,
-                                           CHOLMOD_REAL, c));
-        } else {
-            // A simplicial solve takes four right-hand sides at a time.
-            constexpr int kSimplicialColumns = 4;
-            const int rows = std::max(kSimplicialColumns, nrhs);
-            y.reset(cholmod_allocate_dense(rows, n, rows, CHOLMOD_REAL, c));
-        }
-    }
+    SolveBlocks(const cholmod_factor& L, int n, cholmod_common* c)
+        : x(cholmod_allocate_dense(n, 1, n, CHOLMOD_REAL, c), DenseDel{c}),
+          y(L.is_super
+                ? cholmod_allocate_dense(n, 1, n, CHOLMOD_REAL, c)
+                : cholmod_allocate_dense(kSimplicialRows, n, kSimplicialRows, CHOLMOD_REAL, c),
+            DenseDel{c}),
+          e(L.is_super
+                ? cholmod_allocate_dense(1, std::max<size_t>(L.maxesize, 1), 1, CHOLMOD_REAL, c)
+                : nullptr,
+            DenseDel{c}) {}
     bool complete(const cholmod_factor& L) const { return x && y && (e || !L.is_super); }
 };
 
@@ -318,7 +317,7 @@ struct SolveBlocks {
 Outcome solveByColumns(cholmod_factor& L, const cholmod_dense& B, cholmod_dense& X,
                        cholmod_common* c) {
     const int n = static_cast<int>(B.nrow);
-    SolveBlocks blocks(L, n, 1, c);
+    SolveBlocks blocks(L, n, c);
     if (!blocks.complete(L)) return Outcome::OutOfMemory;
     for (size_t j = 0; j < B.ncol; ++j) {
         cholmod_dense column = B;  // a view of column j: same storage, one column
@@ -335,8 +334,7 @@ Outcome solveByColumns(cholmod_factor& L, const cholmod_dense& B, cholmod_dense&
         blocks.x.release(), blocks.y.release(), blocks.e.release();
         blocks.x.reset(xp), blocks.y.reset(yp), blocks.e.reset(ep);
         if (!solved || !xp) {
-            if (c->status == CHOLMOD_OUT_OF_MEMORY || c->status == CHOLMOD_TOO_LARGE)
-                return Outcome::OutOfMemory;
+            if (ranOutOfMemory(*c)) return Outcome::OutOfMemory;
             throw kErrSolverSolve;
         }
         std::copy_n(static_cast<const double*>(xp->x), B.nrow, static_cast<double*>(X.x) + j * X.d);

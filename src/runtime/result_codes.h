@@ -3,9 +3,6 @@
 // table spans the runtime, the solver, the matting core and the pipeline.
 #pragma once
 
-// A result the host reads as "done".
-inline constexpr int kResultOk = 1;
-
 // Meaning of a result, for the line an entry logs when it fails; null for a
 // code no entry returns.
 inline const char* rkResultMeaning(int code) {
