@@ -48,7 +48,7 @@ sanitize: deps
 # invariants land in tests/fuzz/found/<target>/ (replayed by `make test`).
 FUZZ_DIR ?= build-fuzz
 FUZZ_SECONDS ?= 60
-FUZZ_TARGETS ?= fuzz_keepcut fuzz_foreground fuzz_bbox fuzz_solver fuzz_log_progress
+FUZZ_TARGETS ?= $(basename $(notdir $(wildcard tests/fuzz/fuzz_*.cpp)))
 FUZZ_FLAGS = -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined \
 	-fno-omit-frame-pointer
 # The targets decode a whole call from the first few hundred bytes, so inputs
