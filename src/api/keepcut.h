@@ -16,7 +16,8 @@
              available: a KD-tree cell with more than 2,000,000 unknown
              pixels, or on the full-resolution pass a reduced problem beyond
              the memory budget (a very thin picture or region); refused
-             before the large allocations
+             before the large allocations. The image-record entries
+             (keepcut_image.h) return it for records they refuse
        -2    invalid argument (the log line says which)
        -5    not enough keep and cut strokes to compute
        -6    out of memory or an unexpected failure; the log also holds
@@ -60,6 +61,7 @@
 #include <stdbool.h>
 
 #include "keepcut_export.h"
+#include "keepcut_image.h"
 
 KC_EXTERN_C_BEGIN
 
