@@ -110,7 +110,14 @@ extern "C" KC_EXPORT long long rkRKPImageReAlloc(RKPImage* img, int type, int wi
     long long bytes = 0;
     const int result = rkGuardEntry(kEntry, [&] {
         if (!img) return rkRefuseWith(kEntry, "img is null");
-        bytes = reallocRecord(img, type, width, height, numPlane);
+        try {
+            bytes = reallocRecord(img, type, width, height, numPlane);
+        } catch (const char* failure) {
+            // Keep the allocator's own words in the log; the guard adds the result.
+            copyErrMsg(failure);
+            copyErrMsg("\n");
+            throw;
+        }
         if (bytes < 0) rkRefuse(kEntry, "type or plane count out of range");
         return 1;
     });

@@ -38,8 +38,7 @@ inline int rkRefuseWith(const char* entry, const char* what) {
 
 // Runs body() (which returns the entry's int result) and applies the entry
 // policy: memory exhaustion -> out-of-memory text and -6; a thrown int -> that
-// int; a C string -> that text, then as anything else; anything else -> the
-// failure text and -6. Each of these also logs the
+// int; anything else -> the failure text and -6. Each of these also logs the
 // entry's name, the result and its meaning. Locals of body are destroyed on
 // the way out, so their memory is freed on every path.
 template <typename Body>
@@ -54,14 +53,6 @@ int rkGuardEntry(const char* entry, Body&& body,
     } catch (int code) {
         rkLogResult(entry, code);
         return code;
-    } catch (const char* text) {
-        // A thrower that names its failure: keep the name in the log too.
-        if (text) {
-            copyErrMsg(text);
-            copyErrMsg("\n");
-        }
-        copyErrMsg(unknown == UnknownFailureText::OutOfMemory ? kOutOfMemoryText
-                                                              : kUnknownErrorText);
     } catch (...) {
         copyErrMsg(unknown == UnknownFailureText::OutOfMemory ? kOutOfMemoryText
                                                               : kUnknownErrorText);
