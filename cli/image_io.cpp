@@ -6,6 +6,8 @@
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
+#include "interchange/u15.h"
+
 namespace {
 
 cv::Mat readAnything(const std::string& path, const char* what) {
@@ -20,12 +22,30 @@ cv::Mat readAnything(const std::string& path, const char* what) {
     return m;
 }
 
+// 16-bit pictures take the engine's own narrowing of 16-bit host pixels, so
+// that the tool and the engine have one path from 16 to 8 bits: the file's
+// 0..65535 is first brought onto the host's 16-bit range 0..32768, then
+// psC1U15toU8 maps that to 0..255 (0 and 65535 stay 0 and 255; elsewhere the
+// result is within one level of a division by 257). That narrowing rather
+// than the float round trip: it needs no float planes (twelve bytes a
+// pixel) and touches each element once. Channels are independent, so an
+// interleaved row is one plane of width x channels elements.
+cv::Mat from16Bit(const cv::Mat& m) {
+    constexpr double kHostTop = 32768.0;  // the top of the host's 16-bit range
+    constexpr double kFileTop = 65535.0;  // the top of a 16-bit file
+    cv::Mat host;
+    m.convertTo(host, CV_16U, kHostTop / kFileTop);
+    cv::Mat out(m.size(), CV_MAKETYPE(CV_8U, m.channels()));
+    psC1U15toU8(host.ptr<unsigned short>(), static_cast<int>(host.step), m.cols * m.channels(),
+                m.rows, out.ptr<unsigned char>(), static_cast<int>(out.step));
+    return out;
+}
+
 cv::Mat to8Bit(const cv::Mat& m) {
     if (m.depth() == CV_8U) return m;
+    if (m.depth() == CV_16U) return from16Bit(m);
     cv::Mat out;
-    if (m.depth() == CV_16U)
-        m.convertTo(out, CV_8U, 1.0 / 257.0);  // 65535 -> 255 exactly
-    else if (m.depth() == CV_32F || m.depth() == CV_64F)
+    if (m.depth() == CV_32F || m.depth() == CV_64F)
         m.convertTo(out, CV_8U, 255.0);  // float images hold 0..1
     else
         m.convertTo(out, CV_8U);

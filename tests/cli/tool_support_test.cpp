@@ -2,6 +2,7 @@
 // exact conversions for every picture format it accepts.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -71,6 +72,24 @@ TEST_F(ToolFiles, EveryPictureFormatBecomesEightBitColour) {
     const cv::Mat t = loadTrimap(path("tri.png"), cv::Size(2, 2));
     EXPECT_EQ(t.type(), CV_8UC1);
     EXPECT_EQ(t.at<unsigned char>(0, 0), 128);
+}
+
+// Every 16-bit level lands within one 8-bit level of v / 257, in every
+// channel, with both ends exact.
+TEST_F(ToolFiles, SixteenBitLevelsStayWithinOneLevel) {
+    cv::Mat all(256, 256, CV_16UC3);
+    for (int v = 0; v < 65536; ++v)
+        all.at<cv::Vec3w>(v / 256, v % 256) = cv::Vec3w(v, 65535 - v, v);
+    cv::imwrite(path("all16.png"), all);
+    const cv::Mat g = loadPicture(path("all16.png"));
+    ASSERT_EQ(g.type(), CV_8UC3);
+    for (int v = 0; v < 65536; ++v) {
+        const cv::Vec3b got = g.at<cv::Vec3b>(v / 256, v % 256);
+        ASSERT_NEAR(got[0], std::lround(v / 257.0), 1) << v;
+        ASSERT_NEAR(got[1], std::lround((65535 - v) / 257.0), 1) << v;
+    }
+    EXPECT_EQ(g.at<cv::Vec3b>(0, 0), cv::Vec3b(0, 255, 0));
+    EXPECT_EQ(g.at<cv::Vec3b>(255, 255), cv::Vec3b(255, 0, 255));
 }
 
 TEST(ToolConversions, TrimapToBrushMapAndBack) {
