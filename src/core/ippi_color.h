@@ -4,7 +4,8 @@
 // Float forms take and give values in 0..1, hue included (a fraction of the
 // full turn, 0 for red). 8-bit forms map 0..255 onto 0..1 on the way in and
 // back on the way out (rounded to nearest, halves to even); their fourth
-// channel is left as it is. Grey has hue and saturation 0.
+// channel is left as it is. Grey has hue and saturation 0. Each pixel is
+// read whole before it is written, so source and destination may be the same.
 #pragma once
 
 #include "core/ipp_types.h"
