@@ -295,4 +295,7 @@ KC_EXPORT int pardisoSolverOOC(int n, float* a, int* ia, int* ja, float* b, floa
 
 KC_EXTERN_C_END
 
+/* Editing tools: flood fill, colour-range and hair brushes, feathered paste. */
+#include "keepcut_editing.h"
+
 #endif /* KEEPCUT_H */
