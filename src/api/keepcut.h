@@ -293,4 +293,7 @@ KC_EXPORT int pardisoSolverOOC(int n, float* a, int* ia, int* ja, float* b, floa
 
 KC_EXTERN_C_END
 
+/* Display compositing and brush strokes for the masking screen. */
+#include "keepcut_display.h"
+
 #endif /* KEEPCUT_H */
