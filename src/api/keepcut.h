@@ -297,5 +297,7 @@ KC_EXTERN_C_END
 
 /* Editing tools: flood fill, colour-range and hair brushes, feathered paste. */
 #include "keepcut_editing.h"
+/* Display compositing and brush strokes for the masking screen. */
+#include "keepcut_display.h"
 
 #endif /* KEEPCUT_H */
