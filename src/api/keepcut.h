@@ -295,4 +295,7 @@ KC_EXPORT int pardisoSolverOOC(int n, float* a, int* ia, int* ja, float* b, floa
 
 KC_EXTERN_C_END
 
+/* GrabCut selection over a request record. */
+#include "keepcut_grabcut.h"
+
 #endif /* KEEPCUT_H */
