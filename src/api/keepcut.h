@@ -299,5 +299,7 @@ KC_EXTERN_C_END
 #include "keepcut_editing.h"
 /* Display compositing and brush strokes for the masking screen. */
 #include "keepcut_display.h"
+/* GrabCut selection over a request record. */
+#include "keepcut_grabcut.h"
 
 #endif /* KEEPCUT_H */
