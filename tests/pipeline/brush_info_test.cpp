@@ -5,71 +5,44 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
+#include <cstdlib>
 
 namespace {
 
 constexpr unsigned char kSentinel = 0xA5;
+// Stands for restoreBrushStrokes among the merge modes.
+constexpr int kRestore = -99;
 
-struct Maps {
-    cv::Mat maskBlock, brushBlock, mask, brush, maskBefore;
-    Maps(int w, int h, unsigned seed) {
-        maskBlock = cv::Mat(h + 4, w + 6, CV_8UC1, cv::Scalar(kSentinel));
-        brushBlock = cv::Mat(h + 4, w + 6, CV_8UC1, cv::Scalar(kSentinel));
-        mask = maskBlock(cv::Rect(3, 2, w, h));
-        brush = brushBlock(cv::Rect(3, 2, w, h));
-        std::mt19937 rng(seed);
+TEST(BrushInfo, RestoreAndEveryMergeModeMatchTheReference) {
+    for (int mode : {kRestore, kMergeByMinimum, kMergeByMaximum, 2, -1}) {
+        SCOPED_TRACE(mode);
+        const int w = 20 + std::abs(mode) % 11, h = 13;
+        cv::Mat maskBlock(h + 4, w + 6, CV_8UC1, cv::Scalar(kSentinel));
+        cv::Mat brushBlock = maskBlock.clone();
+        const cv::Rect inner(3, 2, w, h);
+        cv::Mat mask = maskBlock(inner), brush = brushBlock(inner);
+        cv::RNG rng(mode + 100);
+        rng.fill(mask, cv::RNG::UNIFORM, 0, 256);
+        rng.fill(brush, cv::RNG::UNIFORM, 0, 256);
+        const cv::Mat before = maskBlock.clone();
+        if (mode == kRestore)
+            restoreBrushStrokes(mask, brush);
+        else
+            mergeWithBrush(mask, brush, mode);
+        cv::Mat want = before.clone();
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x) {
-                mask.at<unsigned char>(y, x) = static_cast<unsigned char>(rng());
-                brush.at<unsigned char>(y, x) = static_cast<unsigned char>(rng());
+                const unsigned char b = brush.at<unsigned char>(y, x);
+                unsigned char& m = want(inner).at<unsigned char>(y, x);
+                if (mode == kRestore)
+                    m = (b & 1) ? b : (m & 254);
+                else if (!(b & 1) && mode == kMergeByMinimum)
+                    m = std::min(m, b);
+                else if (!(b & 1) && mode == kMergeByMaximum)
+                    m = std::max(m, b);
             }
-        maskBefore = mask.clone();
+        EXPECT_EQ(cv::countNonZero(maskBlock != want), 0);
     }
-    int sentinelsLost() const {
-        cv::Mat inner = cv::Mat::zeros(maskBlock.size(), CV_8UC1);
-        inner(cv::Rect(3, 2, mask.cols, mask.rows)).setTo(1);
-        return cv::countNonZero((maskBlock != kSentinel) & (inner == 0));
-    }
-};
-
-TEST(BrushInfo, RestoreTakesOddBrushBytesAndClearsBitZeroElsewhere) {
-    Maps m(37, 11, 1);
-    restoreBrushStrokes(m.mask, m.brush);
-    int wrong = 0;
-    for (int y = 0; y < m.mask.rows; ++y)
-        for (int x = 0; x < m.mask.cols; ++x) {
-            const unsigned char b = m.brush.at<unsigned char>(y, x);
-            const unsigned char want = (b & 1) ? b : (m.maskBefore.at<unsigned char>(y, x) & 254);
-            wrong += m.mask.at<unsigned char>(y, x) != want;
-        }
-    EXPECT_EQ(wrong, 0);
-    EXPECT_EQ(m.sentinelsLost(), 0);
-}
-
-TEST(BrushInfo, MergeByMinimumAndMaximumOnUnpaintedPixels) {
-    for (int mode : {kMergeByMinimum, kMergeByMaximum}) {
-        Maps m(29, 13, 2 + mode);
-        mergeWithBrush(m.mask, m.brush, mode);
-        int wrong = 0;
-        for (int y = 0; y < m.mask.rows; ++y)
-            for (int x = 0; x < m.mask.cols; ++x) {
-                const unsigned char b = m.brush.at<unsigned char>(y, x);
-                const unsigned char old = m.maskBefore.at<unsigned char>(y, x);
-                const unsigned char want =
-                    (b & 1) ? old : (mode == kMergeByMinimum ? std::min(old, b) : std::max(old, b));
-                wrong += m.mask.at<unsigned char>(y, x) != want;
-            }
-        EXPECT_EQ(wrong, 0) << mode;
-        EXPECT_EQ(m.sentinelsLost(), 0);
-    }
-}
-
-TEST(BrushInfo, OtherMergeModesLeaveTheResult) {
-    Maps m(16, 9, 5);
-    mergeWithBrush(m.mask, m.brush, 2);
-    mergeWithBrush(m.mask, m.brush, -1);
-    EXPECT_EQ(cv::countNonZero(m.mask != m.maskBefore), 0);
 }
 
 }  // namespace
