@@ -28,6 +28,7 @@ bench: build
 
 demo: build
 	@$(BUILD_DIR)/cli/keepcut demo -o demo-out
+	@$(BUILD_DIR)/cli/keepcut session demo-out/picture.png cli/samples/demo_session.json -o demo-out/session
 
 # A separate instrumented build: out-of-bounds access, leaks and undefined
 # behaviour in our code fail the test that hit them.

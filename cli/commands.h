@@ -25,5 +25,13 @@ struct DemoOptions {
     int height = 600;
 };
 
+struct SessionOptions {
+    std::string picture;
+    std::string script;  // JSON list of operations
+    std::string outDir;
+    std::string map;  // starting brush map; empty: all band
+};
+
 int runMatte(const MatteOptions& o);
+int runSession(const SessionOptions& o);
 int runDemo(const DemoOptions& o);

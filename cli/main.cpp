@@ -29,6 +29,15 @@ int main(int argc, char** argv) {
     matte->add_option("--merge", m.merge, "merge a region into the map: add or subtract")
         ->check(CLI::IsMember({"add", "subtract"}));
 
+    SessionOptions s;
+    CLI::App* session =
+        app.add_subcommand("session", "replay a masking session (a JSON list of operations)");
+    session->add_option("PICTURE", s.picture, "picture (8- or 16-bit, grey or colour)")->required();
+    session->add_option("SCRIPT", s.script, "the session: a JSON list of operations")->required();
+    session->add_option("-o,--output", s.outDir, "directory for map.png, matte.png, cutout.png")
+        ->required();
+    session->add_option("--map", s.map, "brush map to start from (default: all band)");
+
     DemoOptions d;
     CLI::App* demo = app.add_subcommand("demo", "matte a generated sample with a known answer");
     demo->add_option("-o,--output", d.outDir, "directory for the inputs and results");
@@ -38,6 +47,7 @@ int main(int argc, char** argv) {
     CLI11_PARSE(app, argc, argv);
     try {
         if (*matte) return runMatte(m);
+        if (*session) return runSession(s);
         d.height = d.width * 3 / 4;
         return runDemo(d);
     } catch (const ToolError& e) {

@@ -11,6 +11,7 @@ packages=(
   libopenblas-dev          # fast BLAS for CHOLMOD's supernodal kernels
   libeigen3-dev            # conjugate gradients, small dense algebra
   libcli11-dev             # the command-line tool's arguments
+  nlohmann-json3-dev       # the tool's session scripts
   libgtest-dev libgmock-dev
   libbenchmark-dev
 )
