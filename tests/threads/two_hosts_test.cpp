@@ -43,7 +43,7 @@ enum class Entry { KeepCut, RecoverDuringComputeOnly };
 // small region, the bounded reduction of a large one), both foreground
 // recoveries and the tiled pass that re-enters the main entry. Each size is
 // its own picture.
-struct JobSpec {
+struct HostJob {
     const char* name;
     int width, height;
     int hiResPass;
@@ -51,7 +51,7 @@ struct JobSpec {
     bool recoverForeground;
     Entry entry;
 };
-const JobSpec kJobs[] = {
+const HostJob kJobs[] = {
     {"whole, full resolution", 320, 240, 1, {}, false, Entry::KeepCut},
     {"small region, full resolution, foreground",
      160,
@@ -81,16 +81,16 @@ struct Outcome {
     cv::Mat mask, foreground;
 };
 
-Outcome run(const JobSpec& spec, Probe& probe) {
-    KeepCutJob job(spec.width, spec.height);
-    if (!spec.region.empty())
-        job.setRegion(spec.region.x, spec.region.y, spec.region.width, spec.region.height, 1);
-    job.request.recoverForeground = spec.recoverForeground;
+Outcome run(const HostJob& host, Probe& probe) {
+    KeepCutJob job(host.width, host.height);
+    if (!host.region.empty())
+        job.setRegion(host.region.x, host.region.y, host.region.width, host.region.height, 1);
+    job.request.recoverForeground = host.recoverForeground;
     job.request.progProc = report;
     job.request.progData = &probe;
     tProbe = &probe;
     Outcome o;
-    o.result = spec.entry == Entry::KeepCut ? rkKeepCutToAlpha(&job.request, spec.hiResPass, false)
+    o.result = host.entry == Entry::KeepCut ? rkKeepCutToAlpha(&job.request, host.hiResPass, false)
                                             : rkRecoverDuringComputeOnly(&job.request);
     const RKPSStructMsk2& r = job.request;
     o.region = cv::Rect(r.roiX, r.roiY, r.roiWidth, r.roiHeight);
@@ -114,9 +114,9 @@ std::string difference(const Outcome& got, const Outcome& want) {
 TEST(TwoHostThreads, EachRequestComputesAsItDoesAlone) {
     std::vector<Outcome> alone;
     Probe lone;
-    for (const JobSpec& spec : kJobs) {
-        alone.push_back(run(spec, lone));
-        ASSERT_EQ(alone.back().result, 1) << spec.name << ": " << getErrMsg();
+    for (const HostJob& host : kJobs) {
+        alone.push_back(run(host, lone));
+        ASSERT_EQ(alone.back().result, 1) << host.name << ": " << getErrMsg();
     }
     ASSERT_GT(lone.reports, 0);
 
