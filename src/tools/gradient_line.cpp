@@ -1,5 +1,7 @@
 // The host's gradient brush stroke: a painted value that ramps linearly from
 // one end of the stroke to the other.
+#include <algorithm>
+#include <climits>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
@@ -60,16 +62,35 @@ void drawGradient(cv::Mat& map, cv::Mat& aux, const Stroke& s, int radius) {
                    cv::LINE_8);
         return;
     }
-    cv::Mat covered = cv::Mat::zeros(map.size(), CV_8UC1);
-    cv::line(covered, cv::Point(s.x0, s.y0), cv::Point(s.x1, s.y1), cv::Scalar(kCovered),
-             strokeThickness(radius), cv::LINE_8, 0);
+    // Only the stroke's box is scanned, so a stroke costs what its box
+    // holds, not what the picture holds: the box of the two ends widened by
+    // the full thickness (the line's round caps reach a little beyond the
+    // radius), clipped to the map.
+    const long long reach = strokeThickness(radius) + 2;
+    const long long left = std::max<long long>(0, std::min(s.x0, s.x1) - reach);
+    const long long top = std::max<long long>(0, std::min(s.y0, s.y1) - reach);
+    const long long right = std::min<long long>(map.cols - 1, std::max(s.x0, s.x1) + reach);
+    const long long bottom = std::min<long long>(map.rows - 1, std::max(s.y0, s.y1) + reach);
+    if (left > right || top > bottom) return;  // the stroke misses the map
+    const cv::Rect box(static_cast<int>(left), static_cast<int>(top),
+                       static_cast<int>(right - left + 1), static_cast<int>(bottom - top + 1));
+    // The ends in box coordinates; where that would leave the int range the
+    // whole map serves as the box instead.
+    const auto fits = [](long long v) { return v >= INT_MIN && v <= INT_MAX; };
+    const bool boxed =
+        fits(s.x0 - left) && fits(s.x1 - left) && fits(s.y0 - top) && fits(s.y1 - top);
+    const cv::Rect area = boxed ? box : cv::Rect(0, 0, map.cols, map.rows);
+    cv::Mat covered = cv::Mat::zeros(area.size(), CV_8UC1);
+    cv::line(covered, cv::Point(s.x0 - area.x, s.y0 - area.y),
+             cv::Point(s.x1 - area.x, s.y1 - area.y), cv::Scalar(kCovered), strokeThickness(radius),
+             cv::LINE_8, 0);
     const float len = distance(static_cast<double>(s.x1) - s.x0, static_cast<double>(s.y1) - s.y0);
-    for (int y = 0; y < map.rows; ++y) {
+    for (int y = 0; y < area.height; ++y) {
         const unsigned char* c = covered.ptr<unsigned char>(y);
-        unsigned char* m = map.ptr<unsigned char>(y);
-        unsigned char* a = aux.ptr<unsigned char>(y);
-        for (int x = 0; x < map.cols; ++x)
-            if (c[x]) paintCoveredPixel(s, len, x, y, m[x], a[x]);
+        unsigned char* m = map.ptr<unsigned char>(area.y + y) + area.x;
+        unsigned char* a = aux.ptr<unsigned char>(area.y + y) + area.x;
+        for (int x = 0; x < area.width; ++x)
+            if (c[x]) paintCoveredPixel(s, len, area.x + x, area.y + y, m[x], a[x]);
     }
 }
 
