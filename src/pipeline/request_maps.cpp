@@ -10,11 +10,7 @@
 namespace {
 
 cv::Mat regionOf(unsigned char* base, int rowBytes, const RKPSStructMsk2& r, int type) {
-    if (!base) return cv::Mat();
-    const int pixelBytes = CV_ELEM_SIZE(type);
-    unsigned char* corner =
-        base + static_cast<std::ptrdiff_t>(r.roiY) * rowBytes + r.roiX * pixelBytes;
-    return cv::Mat(r.roiHeight, r.roiWidth, type, corner, static_cast<size_t>(rowBytes));
+    return hostRectView(base, rowBytes, cv::Rect(r.roiX, r.roiY, r.roiWidth, r.roiHeight), type);
 }
 
 struct VectorFree {
@@ -22,6 +18,13 @@ struct VectorFree {
 };
 
 }  // namespace
+
+cv::Mat hostRectView(unsigned char* base, int rowBytes, cv::Rect rect, int type) {
+    if (!base) return cv::Mat();
+    unsigned char* corner = base + static_cast<std::ptrdiff_t>(rect.y) * rowBytes +
+                            static_cast<std::ptrdiff_t>(rect.x) * CV_ELEM_SIZE(type);
+    return cv::Mat(rect.height, rect.width, type, corner, static_cast<size_t>(rowBytes));
+}
 
 cv::Mat regionMaskView(const RKPSStructMsk2& r) {
     return regionOf(r.mask, r.maskRowBytes, r, CV_8UC1);

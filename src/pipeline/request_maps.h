@@ -24,6 +24,10 @@ inline constexpr int kMinReducedSide = 3;
 inline constexpr int kReducedRimThickness = 7;
 inline constexpr int kRimEdgeDistance = 10;
 
+// A view (no copy) of rect of a host buffer whose rows are rowBytes apart;
+// empty when base is null.
+cv::Mat hostRectView(unsigned char* base, int rowBytes, cv::Rect rect, int type);
+
 // Views of the request's region on its buffers; foreground is empty when the
 // request has no foreground buffer.
 cv::Mat regionMaskView(const RKPSStructMsk2& request);

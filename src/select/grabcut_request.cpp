@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "pipeline/request_maps.h"
 #include "runtime/arg_check.h"
 
 namespace {
@@ -11,9 +12,7 @@ constexpr int kPictureBytes = 4;  // B, G, R and a fourth byte per pixel
 constexpr int kMapBytes = 1;
 
 cv::Mat regionOf(unsigned char* base, int rowBytes, const RKPSStructMsk2& r, int type) {
-    unsigned char* corner = base + static_cast<std::ptrdiff_t>(r.gcTop) * rowBytes +
-                            static_cast<std::ptrdiff_t>(r.gcLeft) * CV_ELEM_SIZE(type);
-    return cv::Mat(r.gcHeight, r.gcWidth, type, corner, static_cast<size_t>(rowBytes));
+    return hostRectView(base, rowBytes, cv::Rect(r.gcLeft, r.gcTop, r.gcWidth, r.gcHeight), type);
 }
 
 }  // namespace
