@@ -61,7 +61,8 @@ cv::Mat brushMapFromAlpha(const cv::Mat& alpha01) {
 }
 
 cv::Mat matteFromMask(const cv::Mat& mask) {
-    cv::Mat out = mask.clone();
-    out.setTo(0, mask == RK_MASK_CUT);
+    cv::Mat out(mask.size(), CV_8UC1);
+    rkMapToMatte(mask.data, static_cast<int>(mask.step), out.data, static_cast<int>(out.step),
+                 mask.cols, mask.rows);
     return out;
 }

@@ -81,7 +81,8 @@ KC_EXPORT int setProgProc(RKProgressProc proc, void* data, int total, int inc);
 KC_EXPORT int setProgRange(int total, int inc);
 /* Advances the counter by the increment (falling back to half of the total
    when it reaches the end) and calls the callback; returns its result, or 1
-   when no callback or data is installed. */
+   when no callback or no data is installed: a callback given a null data
+   pointer is never called. */
 KC_EXPORT int progressKick(void);
 
 /* ---- message log -------------------------------------------------------- */
@@ -164,7 +165,9 @@ typedef struct RKPSStructMsk2 {
     int cellMode;            /* 0: whole picture; else a region job merged into the mask */
     bool recoverForeground;  /* also recover foreground colours into `foreground` */
     RKProgressProc progProc; /* may be null */
-    void* progData;
+    void* progData;          /* passed to progProc; progress is reported only when
+                                both are non-null: give any non-null pointer when
+                                the callback needs no data */
     /* Read only by the selection tools, never by the keep/cut pipeline. */
     const unsigned char* hairForeColor; /* R, G, B of the picked hair colour */
     const unsigned char* hairBackColor; /* R, G, B of the picked background colour */
@@ -210,9 +213,18 @@ KC_EXPORT int rkMaskBBox(int is16Bit, const void* map, int step, int width, int 
    the callback (for callers whose tiling loop set progress up already).
 
    Out: every painted (odd) byte of the region holds exactly what was painted
-   and every other byte a computed alpha with bit 0 cleared. A region narrower
-   or lower than 1500 pixels is first widened for context: the request's region
-   fields hold the widened region afterwards (calling twice widens twice).
+   and every other byte a computed alpha with bit 0 cleared (painted cut stays
+   1: rkMapToMatte turns the map into a plain matte). A region narrower or
+   lower than 1500 pixels is first widened for context, and the request's
+   region fields hold the widened region afterwards (calling twice widens
+   twice). With w, h the region's size and a = (w + h) / 2 (integers):
+     sx = (int)min(max(w * 1.7f, a * 1.4f), width), mx = sx / 2,
+     sy = (int)min(max(h * 1.7f, a * 1.4f), height), my = sy / 2;
+   the region grows by mx on the left and on the right and by my at the top
+   and at the bottom (so by about the whole span sx, sy), is then clipped to
+   the picture, and what a side loses at the left or top edge is added to the
+   right or bottom side before that clip. A host sizes its dirty rectangle
+   from this rule, or simply reads the region fields back.
    Region jobs then merge the result with the earlier map by mergeMode (0
    minimum, 1 maximum, else as computed). The coarse-pass KD-tree strategies
    (whole pictures, and regions of 968 x 968 pixels or more) copy the picture's
@@ -235,6 +247,14 @@ KC_EXPORT int rkMaskBBox(int is16Bit, const void* map, int step, int width, int 
    the checks the painted bytes are back in `mask`; other bytes hold whatever
    the failed computation left. */
 KC_EXPORT int rkKeepCutToAlpha(RKPSStructMsk2* request, int hiResPass, bool progressReady);
+
+/* The matte a host shows or saves, from a map rkKeepCutToAlpha computed:
+   every byte is its alpha except painted cut (1), which becomes 0. map and
+   matte (width x height, 1 byte per pixel, row bytes apart) may be the same
+   buffer. Returns 1; -2 for a null buffer, a negative size or rows shorter
+   than the width (nothing written). */
+KC_EXPORT int rkMapToMatte(const unsigned char* map, int mapRowBytes, unsigned char* matte,
+                           int matteRowBytes, int width, int height);
 
 /* Over the request's region: where `brushInfo` is odd (painted), `mask` takes
    that byte; elsewhere `mask` keeps its value with bit 0 cleared. Returns 1;
