@@ -321,5 +321,7 @@ KC_EXTERN_C_END
 #include "keepcut_display.h"
 /* GrabCut selection over a request record. */
 #include "keepcut_grabcut.h"
+/* The direct mask entry: a rough mask over colour planes to a refined alpha. */
+#include "keepcut_mask.h"
 
 #endif /* KEEPCUT_H */

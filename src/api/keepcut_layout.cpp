@@ -19,4 +19,9 @@ static_assert(offsetof(RKPSStructMsk2, hairForeColor) == 112);
 static_assert(offsetof(RKPSStructMsk2, grabCutBuf) == 128);
 static_assert(offsetof(RKPSStructMsk2, gcTop) == 148);
 static_assert(offsetof(RKPSStructMsk2, mergeMode) == 152);
+// The direct mask record: three plane pointers, then five ints.
+static_assert(sizeof(RKMaskImage) == 56, "mask record must stay 56 bytes");
+static_assert(offsetof(RKMaskImage, planeRowBytes) == 24);
+static_assert(offsetof(RKMaskImage, alpha) == 32);
+static_assert(offsetof(RKMaskImage, height) == 48);
 #endif
