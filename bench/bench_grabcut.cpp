@@ -5,15 +5,23 @@
 // both scored against the true alpha thresholded at 128 (intersection over
 // union) and timed in the same run. Then one picture enlarged to 4000 x 3000:
 // the same two, and a further rkGrabCut stroke (a foreground stroke added).
+// Beside them, the whole road of `keepcut cutout` from the same rectangle
+// (GrabCut, band of the default width, main entry with foreground recovery):
+// SAD of its matte over the whole picture against the true alpha (in
+// thousands, as bench_quality counts it) and its time. An optional argument
+// sets the band width in pixels instead of the default.
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <opencv2/imgproc.hpp>
 #include <string>
 #include <vector>
 
 #include "api/keepcut.h"
+#include "grabcut_road.h"
 #include "image_io.h"
+#include "matte_metrics.h"
 
 namespace {
 
@@ -62,6 +70,20 @@ struct Run {
     double iou = 0.0, seconds = 0.0;
     int code = 1;
 };
+
+struct CutRun {
+    double sad = 0.0, seconds = 0.0;
+};
+
+// The cut-out road; SAD over every pixel of the picture.
+CutRun cutRoad(const cv::Mat& bgr, const cv::Rect& rect, const cv::Mat& alpha, int band) {
+    const auto t = std::chrono::steady_clock::now();
+    const CutoutResult cut = cutOut(bgr, rect, band > 0 ? band : defaultBandWidth(bgr.size()));
+    CutRun run;
+    run.seconds = secondsSince(t);
+    run.sad = scoreMatte(cut.alpha, alpha, cv::Mat(alpha.size(), CV_8UC1, cv::Scalar(1))).sad;
+    return run;
+}
 
 // One GrabCut session over the whole picture.
 struct Session {
@@ -114,16 +136,19 @@ void addForegroundStroke(Session& s, const cv::Mat& truth) {
     cv::circle(s.mask, deepest, kStrokeRadius, cv::Scalar(kHardForeground), cv::FILLED);
 }
 
-void printRow(const std::string& name, const Run& road, const Run& full) {
-    std::printf("%-8s | %7.4f %7.3f%s | %7.4f %7.3f | %+7.4f %6.1fx\n", name.c_str(), road.iou,
+void printRow(const std::string& name, const Run& road, const Run& full, const CutRun* cut) {
+    std::printf("%-8s | %7.4f %7.3f%s | %7.4f %7.3f | %+7.4f %6.1fx", name.c_str(), road.iou,
                 road.seconds, road.code == 1 ? " " : "!", full.iou, full.seconds,
                 road.iou - full.iou, full.seconds / road.seconds);
+    if (cut) std::printf(" | %8.3f %6.2f", cut->sad, cut->seconds);
+    std::printf("\n");
     std::fflush(stdout);
 }
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    const int band = argc > 1 ? std::atoi(argv[1]) : 0;
     const fs::path root = fs::path(KC_SHARED_DATA_DIR) / "alphamatting";
     if (!fs::exists(root / "input") || !fs::exists(root / "gt")) {
         std::printf("bench_grabcut: %s not found, nothing to measure\n", root.c_str());
@@ -133,9 +158,10 @@ int main() {
     for (const auto& e : fs::directory_iterator(root / "input")) images.push_back(e.path());
     std::sort(images.begin(), images.end());
 
-    std::printf("%-8s | %7s %7s  | %7s %7s | %7s %7s\n", "image", "rk IoU", "rk s", "cv IoU",
-                "cv s", "diff", "speed");
+    std::printf("%-8s | %7s %7s  | %7s %7s | %7s %7s | %8s %6s\n", "image", "rk IoU", "rk s",
+                "cv IoU", "cv s", "diff", "speed", "cut SAD", "cut s");
     Run sum[2];
+    CutRun cutSum;
     int n = 0;
     fs::path firstImage;
     for (const fs::path& in : images) {
@@ -155,16 +181,18 @@ int main() {
                         in.stem().c_str(), road.code);
             continue;
         }
-        printRow(in.stem().string(), road, full);
+        const CutRun cut = cutRoad(bgr, rect, alpha, band);
+        printRow(in.stem().string(), road, full, &cut);
+        cutSum.sad += cut.sad, cutSum.seconds += cut.seconds;
         sum[0].iou += road.iou, sum[0].seconds += road.seconds;
         sum[1].iou += full.iou, sum[1].seconds += full.seconds;
         ++n;
     }
     if (n == 0) return 0;
     const double meanDiff = (sum[0].iou - sum[1].iou) / n;
-    std::printf("%-8s | %7.4f %7.3f  | %7.4f %7.3f | %+7.4f %6.1fx\n", "mean", sum[0].iou / n,
-                sum[0].seconds / n, sum[1].iou / n, sum[1].seconds / n, meanDiff,
-                sum[1].seconds / sum[0].seconds);
+    std::printf("%-8s | %7.4f %7.3f  | %7.4f %7.3f | %+7.4f %6.1fx | %8.3f %6.2f\n", "mean",
+                sum[0].iou / n, sum[0].seconds / n, sum[1].iou / n, sum[1].seconds / n, meanDiff,
+                sum[1].seconds / sum[0].seconds, cutSum.sad / n, cutSum.seconds / n);
 
     // One picture enlarged to 12 megapixels.
     cv::Mat bgr, alpha;
@@ -179,7 +207,7 @@ int main() {
     const Run full = direct(bgr, rect, truth);
     std::printf("\n%s enlarged to %d x %d:\n", firstImage.stem().c_str(), kLargeSize.width,
                 kLargeSize.height);
-    printRow("12 MP", road, full);
+    printRow("12 MP", road, full, nullptr);
     addForegroundStroke(s, truth);
     const Run stroke = s.stroke(truth);
     std::printf("stroke   | %7.4f %7.3f%s\n", stroke.iou, stroke.seconds,

@@ -19,6 +19,15 @@ struct MatteOptions {
     std::string merge;            // "add", "subtract" or empty (keep as computed)
 };
 
+struct CutoutOptions {
+    std::string picture;
+    std::string rect;  // "X,Y,W,H" around the subject
+    std::string cutoutOut;
+    std::string matteOut;
+    std::string mapOut;  // the brush map handed to the main entry
+    int band = 0;        // band width in pixels; 0: scaled to the picture
+};
+
 struct DemoOptions {
     std::string outDir = "demo-out";
     int width = 800;
@@ -33,5 +42,6 @@ struct SessionOptions {
 };
 
 int runMatte(const MatteOptions& o);
+int runCutout(const CutoutOptions& o);
 int runSession(const SessionOptions& o);
 int runDemo(const DemoOptions& o);

@@ -3,6 +3,8 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "progress_bar.h"
+
 namespace {
 // Unpainted start value of the band: even (not painted) and mid-way, so no
 // region test counts it as decided.
@@ -58,6 +60,15 @@ cv::Mat brushMapFromAlpha(const cv::Mat& alpha01) {
     map.setTo(RK_MASK_CUT, bytes == 0);
     map.setTo(RK_MASK_KEEP, bytes == 255);
     return map;
+}
+
+int runMainEntry(RKPSStructMsk2 r, int hiResPass) {
+    r.progProc = drawProgressBar;
+    r.progData = nullptr;
+    clearErrMsg();
+    const int rc = rkKeepCutToAlpha(&r, hiResPass, false);
+    finishProgressBar();
+    return rc;
 }
 
 cv::Mat matteFromMask(const cv::Mat& mask) {

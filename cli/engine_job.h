@@ -34,5 +34,10 @@ cv::Mat brushMapFromTrimap(const cv::Mat& trimap);
 // painted keep where it rounds to 255, the even alpha byte between.
 cv::Mat brushMapFromAlpha(const cv::Mat& alpha01);
 
+// The main entry on `r` with the tool's progress bar drawn from it (over
+// whatever progProc `r` had), the message log cleared first; returns the
+// entry's result and leaves the log for the caller to print.
+int runMainEntry(RKPSStructMsk2 r, int hiResPass);
+
 // The 8-bit matte in a finished mask map: painted cut reads as 0.
 cv::Mat matteFromMask(const cv::Mat& mask);

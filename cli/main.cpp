@@ -29,6 +29,24 @@ int main(int argc, char** argv) {
     matte->add_option("--merge", m.merge, "merge a region into the map: add or subtract")
         ->check(CLI::IsMember({"add", "subtract"}));
 
+    CutoutOptions c;
+    CLI::App* cutout = app.add_subcommand(
+        "cutout", "cut the subject inside a rectangle out of PICTURE (GrabCut, then matting)");
+    cutout->add_option("PICTURE", c.picture, "picture (8- or 16-bit, grey or colour)")->required();
+    cutout->add_option("--rect", c.rect, "rectangle around the subject: X,Y,W,H (sides over 10)")
+        ->required();
+    cutout
+        ->add_option("-o,--output", c.cutoutOut, "where to write the RGBA cut-out (straight alpha)")
+        ->required();
+    cutout->add_option("--matte", c.matteOut, "also write the 8-bit matte here");
+    cutout->add_option("--map", c.mapOut,
+                       "also write the brush map handed to the engine (1 cut, 255 keep, 126 band)");
+    cutout
+        ->add_option("--band", c.band,
+                     "width of the band computed along the selection's edge, in pixels "
+                     "(default: 3% of the shorter side, at least 8)")
+        ->check(CLI::Range(1, 1024));
+
     SessionOptions s;
     CLI::App* session =
         app.add_subcommand("session", "replay a masking session (a JSON list of operations)");
@@ -47,6 +65,7 @@ int main(int argc, char** argv) {
     CLI11_PARSE(app, argc, argv);
     try {
         if (*matte) return runMatte(m);
+        if (*cutout) return runCutout(c);
         if (*session) return runSession(s);
         d.height = d.width * 3 / 4;
         return runDemo(d);

@@ -6,7 +6,6 @@
 #include "engine_job.h"
 #include "full_solve.h"
 #include "image_io.h"
-#include "progress_bar.h"
 
 namespace {
 
@@ -30,11 +29,7 @@ void runEngine(const MatteOptions& o, EngineJob& job) {
     // 2 leaves the computed region as it is.
     r.mergeMode = o.merge == "add" ? 1 : o.merge == "subtract" ? 0 : 2;
     r.recoverForeground = !o.cutoutOut.empty() || !o.foregroundOut.empty();
-    r.progProc = drawProgressBar;
-    r.progData = &job;
-    clearErrMsg();
-    const int rc = rkKeepCutToAlpha(&r, o.hires ? 1 : 0, false);
-    finishProgressBar();
+    const int rc = runMainEntry(r, o.hires ? 1 : 0);
     if (rc != 1) {
         std::fprintf(stderr, "%s\n", getErrMsg());
         throw ToolError("the engine failed with code " + std::to_string(rc));

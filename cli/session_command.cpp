@@ -1,14 +1,16 @@
 // `keepcut session`: replays a masking session the way a host drives the
 // engine between two computes (strokes, fills, colour range and hair
-// selection, computes, displays), then writes the final map, matte and
-// cut-out.
+// selection, GrabCut selections, computes, displays), then writes the final
+// map, matte and cut-out.
 #include <filesystem>
 #include <fstream>
 #include <opencv2/imgproc.hpp>
+#include <optional>
 #include <sstream>
 
 #include "commands.h"
 #include "engine_job.h"
+#include "grabcut_road.h"
 #include "image_io.h"
 #include "progress_bar.h"
 #include "session_script.h"
@@ -63,6 +65,23 @@ class Session {
             case SessionOpKind::Show:
                 show(op);
                 break;
+            case SessionOpKind::GrabCutRect:
+                grabCut_.reset();  // a new rectangle ends the last selection
+                grabCut_.emplace(job_.image, op.region);
+                select(op);
+                break;
+            case SessionOpKind::GrabCutStroke:
+                grabCut_->paint(op.from, op.to, op.radius, op.keep);
+                select(op);
+                break;
+            case SessionOpKind::GrabCutEdge: {
+                const cv::Mat map = grabCut_->finishAsBrushMap(
+                    op.band > 0 ? op.band : defaultBandWidth(job_.mask.size()));
+                grabCut_.reset();
+                map.copyTo(job_.mask);
+                map.copyTo(job_.brushInfo);
+                break;
+            }
         }
     }
 
@@ -99,10 +118,11 @@ class Session {
         }
         r.mergeMode = op.mergeMode;
         r.recoverForeground = op.foreground;
-        r.progProc = drawProgressBar;
-        r.progData = this;
-        clearErrMsg();
-        const int rc = rkKeepCutToAlpha(&r, op.hires ? 1 : 0, false);
+        check(op, runMainEntry(r, op.hires ? 1 : 0));
+    }
+
+    void select(const SessionOp& op) {
+        const int rc = grabCut_->select(drawProgressBar, nullptr);
         finishProgressBar();
         check(op, rc);
     }
@@ -124,6 +144,9 @@ class Session {
     EngineJob job_;
     cv::Mat aux_;  // the gradient brush's side map, kept for the session as a host would
     std::filesystem::path dir_;
+    // The open GrabCut selection, if any; it reads job_'s picture, so it is
+    // declared after it and given back first, on every way out.
+    std::optional<GrabCutSelection> grabCut_;
 };
 
 std::string readText(const std::string& path) {

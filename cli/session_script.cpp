@@ -6,6 +6,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "grabcut_road.h"
 #include "image_io.h"
 
 namespace {
@@ -21,6 +22,8 @@ const std::map<std::string, int> kMergeModes = {{"subtract", 0}, {"add", 1}, {"n
 // Display modes the compositing entry knows.
 constexpr int kFirstShowMode = 1;
 constexpr int kLastShowMode = 6;
+// Band widths the trimap entry takes.
+constexpr int kMaxBand = 1024;
 // A brush wider than this many pixels is a typing error, not a stroke.
 constexpr int kMaxRadius = 4096;
 constexpr long long kMaxCoordinate = 1000000000;
@@ -134,7 +137,8 @@ void readStroke(const OpReader& r, SessionOp& op) {
     op.radius = r.integer("radius", 0, kMaxRadius);
 }
 
-SessionOp readOp(const json& j, int index, cv::Size picture) {
+// `grabCutOpen` tracks whether a GrabCut selection is open at this point.
+SessionOp readOp(const json& j, int index, cv::Size picture, bool& grabCutOpen) {
     const OpReader r(j, index, picture);
     if (!j.is_object()) r.fail("must be an object with an \"op\" field");
     SessionOp op;
@@ -188,6 +192,23 @@ SessionOp readOp(const json& j, int index, cv::Size picture) {
             op.desaturate = true;
             op.strength = r.number("desaturate", 0.0f, 1.0f);
         }
+    } else if (op.name == "grabcut-rect") {
+        op.kind = SessionOpKind::GrabCutRect;
+        op.region = r.region("rect");
+        if (const std::string problem = grabCutRectProblem(op.region, picture); !problem.empty())
+            r.fail(problem);
+        grabCutOpen = true;
+    } else if (op.name == "grabcut-stroke" || op.name == "grabcut-edge") {
+        if (!grabCutOpen) r.fail("no GrabCut selection is open (start one with grabcut-rect)");
+        if (op.name == "grabcut-stroke") {
+            op.kind = SessionOpKind::GrabCutStroke;
+            readStroke(r, op);
+            op.keep = r.choice("select", {{"foreground", 1}, {"background", 0}}) == 1;
+        } else {
+            op.kind = SessionOpKind::GrabCutEdge;
+            if (r.has("band")) op.band = r.integer("band", 1, kMaxBand);
+            grabCutOpen = false;
+        }
     } else {
         r.fail("unknown operation \"" + op.name + "\"");
     }
@@ -205,7 +226,8 @@ std::vector<SessionOp> parseSessionScript(const std::string& text, cv::Size pict
     }
     if (!script.is_array()) throw ToolError("script must be a JSON list of operations");
     std::vector<SessionOp> ops;
+    bool grabCutOpen = false;
     for (size_t i = 0; i < script.size(); ++i)
-        ops.push_back(readOp(script[i], static_cast<int>(i) + 1, picture));
+        ops.push_back(readOp(script[i], static_cast<int>(i) + 1, picture, grabCutOpen));
     return ops;
 }

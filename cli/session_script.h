@@ -9,13 +9,16 @@
 #include <vector>
 
 enum class SessionOpKind {
-    Stroke,       // keep, cut, band or alpha: a brush stroke of one code
-    Gradient,     // a stroke whose painted value ramps from start to end
-    Fill,         // flood fill of the brush region at a point
-    ColourRange,  // pick a colour range under a stroke
-    Hair,         // hair selection under a stroke from two picked colours
-    Compute,      // the main entry, on the whole picture or a region
-    Show          // a display mode (and desaturation) written to a PNG
+    Stroke,         // keep, cut, band or alpha: a brush stroke of one code
+    Gradient,       // a stroke whose painted value ramps from start to end
+    Fill,           // flood fill of the brush region at a point
+    ColourRange,    // pick a colour range under a stroke
+    Hair,           // hair selection under a stroke from two picked colours
+    Compute,        // the main entry, on the whole picture or a region
+    Show,           // a display mode (and desaturation) written to a PNG
+    GrabCutRect,    // a new GrabCut selection from a rectangle, run once
+    GrabCutStroke,  // a hard foreground or background stroke, then GrabCut again
+    GrabCutEdge     // the selection's end: a band along its edge becomes the brush map
 };
 
 struct SessionOp {
@@ -31,10 +34,11 @@ struct SessionOp {
     std::array<unsigned char, 3> colour{};      // R, G, B: colour range, hair, show
     std::array<unsigned char, 3> background{};  // R, G, B: hair
     int tolerance = 0;
-    bool keep = true;  // colour range: keep or cut
+    bool keep = true;  // colour range: keep or cut; GrabCut stroke: foreground or background
 
     bool hasRegion = false;  // compute
-    cv::Rect region;
+    cv::Rect region;         // compute; GrabCut rectangle
+    int band = 0;            // GrabCut edge: band width, 0 for the picture's default
     bool hires = false;
     int mergeMode = 2;  // 0 subtract (minimum), 1 add (maximum), 2 as computed
     bool foreground = false;
@@ -47,6 +51,7 @@ struct SessionOp {
 };
 
 // Parses and checks the script text; throws ToolError naming the operation's
-// index for an unknown operation, a missing or mistyped field, or a point or
-// region outside a picture of the given size.
+// index for an unknown operation, a missing or mistyped field, a point or
+// region outside a picture of the given size, or a GrabCut stroke or edge with
+// no GrabCut selection open.
 std::vector<SessionOp> parseSessionScript(const std::string& text, cv::Size picture);

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # `keepcut session` end to end on a small generated picture: a session that
 # strokes, fills, selects, computes and shows writes every file it promises,
-# and each kind of bad script ends in one line naming the operation, with
-# exit status 1 and nothing written.
+# so does one that starts from a GrabCut selection, and each kind of bad
+# script ends in one line naming the operation, with exit status 1 and
+# nothing written. `keepcut cutout` likewise, for a good and a bad rectangle.
 set -uo pipefail
 tool=$1
 work=$2
@@ -35,6 +36,42 @@ for f in map.png matte.png cutout.png codes.png; do
   [ -s "$work/good/$f" ] || { echo "good session wrote no $f"; status=1; }
 done
 
+cat > "$work/grabcut.json" <<'JSON'
+[
+  {"op": "grabcut-rect", "rect": [20, 10, 120, 100]},
+  {"op": "grabcut-stroke", "select": "background", "from": [25, 15], "to": [40, 15], "radius": 2},
+  {"op": "grabcut-stroke", "select": "foreground", "from": [80, 60], "to": [82, 60], "radius": 6},
+  {"op": "grabcut-edge", "band": 6},
+  {"op": "compute", "foreground": true}
+]
+JSON
+if ! "$tool" session "$picture" "$work/grabcut.json" -o "$work/grabcut" > "$work/grabcut.log" 2>&1; then
+  echo "GrabCut session failed:"; cat "$work/grabcut.log"; status=1
+fi
+[ -s "$work/grabcut/cutout.png" ] || { echo "GrabCut session wrote no cutout.png"; status=1; }
+if ! "$tool" cutout "$picture" --rect 20,10,120,100 -o "$work/cut.png" --matte "$work/cut_matte.png" \
+     --map "$work/cut_map.png" > "$work/cut.log" 2>&1; then
+  echo "cutout failed:"; cat "$work/cut.log"; status=1
+fi
+for f in cut.png cut_matte.png cut_map.png; do
+  [ -s "$work/$f" ] || { echo "cutout wrote no $f"; status=1; }
+done
+
+# cutout arguments | the one line expected on stderr
+cutout_cases=(
+  '--rect 100,10,120,100|keepcut: --rect: rectangle 100,10,120,100 does not lie inside the 160x120 picture'
+  '--rect 20,10,10,100|keepcut: --rect: rectangle must be more than 10 pixels wide and high'
+  '--rect 20,10,100|keepcut: --rect must be four integers X,Y,W,H, not "20,10,100"'
+)
+for c in "${cutout_cases[@]}"; do
+  # shellcheck disable=SC2086
+  "$tool" cutout "$picture" ${c%%|*} -o "$work/bad_cut.png" 2> "$work/bad_cut.err" > /dev/null
+  rc=$?
+  if [ $rc -ne 1 ] || ! grep -qxF -- "${c#*|}" "$work/bad_cut.err" || [ -e "$work/bad_cut.png" ]; then
+    echo "cutout ${c%%|*}: exit $rc, stderr: $(cat "$work/bad_cut.err")"; status=1
+  fi
+done
+
 # script | the one line expected on stderr
 bad_cases=(
   '[{"op": "cut", "from": [1, 1], "to": [2, 2], "radius": 1}, {"op": "paint"}]|script operation 2 (paint): unknown operation "paint"'
@@ -43,6 +80,7 @@ bad_cases=(
   '[{"op": "fill", "at": [3, 3], "with": "green"}]|script operation 1 (fill): "with" must be one of band, cut, keep'
   '[{"op": "compute", "region": [150, 0, 20, 20]}]|script operation 1 (compute): region must lie inside the 160x120 picture'
   '[{"op": "show", "mode": 3, "hi": 9, "lo": 9, "file": "x.png"}]|script operation 1 (show): "hi" and "lo" must differ'
+  '[{"op": "grabcut-rect", "rect": [0, 0, 20, 20]}, {"op": "grabcut-edge"}, {"op": "grabcut-stroke", "select": "foreground", "from": [1, 1], "to": [2, 2], "radius": 1}]|script operation 3 (grabcut-stroke): no GrabCut selection is open (start one with grabcut-rect)'
   '{"op": "compute"}|script must be a JSON list of operations'
   '[{"op": "compute"},]|script is not valid JSON'
 )
