@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <opencv2/core.hpp>
 #include <string>
 
 struct MatteOptions {
@@ -17,6 +18,26 @@ struct MatteOptions {
     std::array<int, 4> region{};  // x, y, w, h
     int cellMode = -1;            // -1: 0 for whole pictures, 1 for regions
     std::string merge;            // "add", "subtract" or empty (keep as computed)
+};
+
+// What one matted pair was.
+struct MatteSummary {
+    cv::Size size;
+    double seconds = 0;
+};
+
+struct BatchOptions {
+    std::string pictureDir;
+    std::string trimapDir;
+    std::string outDir;
+    bool cutout = false;  // also write <stem>-cutout.png
+    bool hires = false;
+};
+
+struct BandOptions {
+    std::string mask;
+    std::string trimapOut;
+    int width = 0;  // band width across the edge, in pixels
 };
 
 struct CutoutOptions {
@@ -41,7 +62,13 @@ struct SessionOptions {
     std::string map;  // starting brush map; empty: all band
 };
 
+// The matte road of `keepcut matte` for one picture and trimap, writing what
+// `o` asks for; throws ToolError on any failure. Shared by matte and batch.
+MatteSummary matteOnePair(const MatteOptions& o);
+
 int runMatte(const MatteOptions& o);
+int runBatch(const BatchOptions& o);
+int runBand(const BandOptions& o);
 int runCutout(const CutoutOptions& o);
 int runSession(const SessionOptions& o);
 int runDemo(const DemoOptions& o);

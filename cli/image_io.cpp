@@ -10,11 +10,18 @@
 
 namespace {
 
+// Reads at the file's own depth (16-bit and float stay as they are) and turns
+// the picture upright by its EXIF orientation, so a phone photo lines up with a
+// trimap painted over it as shown. OpenCV skips the orientation for
+// IMREAD_UNCHANGED, hence ANYDEPTH | ANYCOLOR, which gives 1 or 3 channels
+// (an alpha channel is dropped; nothing here reads it).
+constexpr int kReadFlags = cv::IMREAD_ANYDEPTH | cv::IMREAD_ANYCOLOR;
+
 cv::Mat readAnything(const std::string& path, const char* what) {
     if (!std::filesystem::exists(path)) throw ToolError(std::string(what) + " not found: " + path);
     cv::Mat m;
     try {
-        m = cv::imread(path, cv::IMREAD_UNCHANGED);
+        m = cv::imread(path, kReadFlags);
     } catch (const cv::Exception&) {
         m.release();
     }
@@ -84,6 +91,14 @@ cv::Mat loadTrimap(const std::string& path, cv::Size pictureSize) {
         grey = m;
     else
         cv::extractChannel(m, grey, 0);  // trimaps saved as colour are grey in every channel
+    return grey;
+}
+
+cv::Mat loadMask(const std::string& path) {
+    const cv::Mat m = to8Bit(readAnything(path, "mask"));
+    if (m.channels() == 1) return m;
+    cv::Mat grey;
+    cv::cvtColor(m, grey, cv::COLOR_BGR2GRAY);
     return grey;
 }
 

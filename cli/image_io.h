@@ -12,12 +12,17 @@ class ToolError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// Every reader turns the image upright by its EXIF orientation.
+
 // Any picture OpenCV reads (8- or 16-bit, grey or colour, with or without
 // alpha) as 8-bit B,G,R.
 cv::Mat loadPicture(const std::string& path);
 
 // A trimap of the picture's size as 8-bit grey: 0 cut, 255 keep, else unknown.
 cv::Mat loadTrimap(const std::string& path, cv::Size pictureSize);
+
+// A rough mask of any size as 8-bit grey (colour masks by their grey level).
+cv::Mat loadMask(const std::string& path);
 
 // Writes an 8-bit image; throws ToolError when the file cannot be written.
 void writeImage(const std::string& path, const cv::Mat& image);

@@ -4,6 +4,7 @@
 
 #include "commands.h"
 #include "image_io.h"
+#include "trimap_band.h"
 
 int main(int argc, char** argv) {
     CLI::App app{"keepcut: alpha mattes and cut-outs from a picture and a trimap"};
@@ -28,6 +29,41 @@ int main(int argc, char** argv) {
     matte->add_option("--cell-mode", m.cellMode, "region job mode (default 1 for regions)");
     matte->add_option("--merge", m.merge, "merge a region into the map: add or subtract")
         ->check(CLI::IsMember({"add", "subtract"}));
+
+    BatchOptions b;
+    CLI::App* batch = app.add_subcommand(
+        "batch",
+        "compute the matte of every picture in PICTURES with its trimap from TRIMAPS; "
+        "picture NAME.EXT pairs with trimap NAME.EXT, or else with the one trimap NAME.* "
+        "(any extension); a picture with no trimap is a failed pair. A failed pair is "
+        "reported and the rest go on; exit 1 if any failed");
+    batch->add_option("PICTURES", b.pictureDir, "folder of pictures (every file but hidden ones)")
+        ->required();
+    batch->add_option("TRIMAPS", b.trimapDir, "folder of trimaps named like the pictures")
+        ->required();
+    batch
+        ->add_option("-o,--output", b.outDir,
+                     "folder for NAME.png (the 8-bit matte of picture NAME.*); created if need be")
+        ->required();
+    batch->add_flag("--cutout", b.cutout, "also write NAME-cutout.png, an RGBA cut-out");
+    batch->add_flag("--hires", b.hires, "the engine's high-resolution pass");
+
+    BandOptions band;
+    CLI::App* bandCmd = app.add_subcommand(
+        "band", "turn a rough MASK (over 127 is foreground) into a trimap for matte and batch");
+    bandCmd
+        ->add_option("MASK", band.mask,
+                     "rough mask, 8- or 16-bit grey or colour (colour by its grey level)")
+        ->required();
+    bandCmd
+        ->add_option("--width", band.width,
+                     "band width in pixels across the mask's edge: ceil(N/2) pixels inside the "
+                     "mask and floor(N/2) outside it become 128 (unknown); the rest of the inside "
+                     "255, of the outside 0")
+        ->required()
+        ->check(CLI::Range(kMinBandWidth, kMaxBandWidth));
+    bandCmd->add_option("-o,--output", band.trimapOut, "where to write the 8-bit trimap")
+        ->required();
 
     CutoutOptions c;
     CLI::App* cutout = app.add_subcommand(
@@ -65,6 +101,8 @@ int main(int argc, char** argv) {
     CLI11_PARSE(app, argc, argv);
     try {
         if (*matte) return runMatte(m);
+        if (*batch) return runBatch(b);
+        if (*bandCmd) return runBand(band);
         if (*cutout) return runCutout(c);
         if (*session) return runSession(s);
         d.height = d.width * 3 / 4;

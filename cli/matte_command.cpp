@@ -53,7 +53,7 @@ void recoverAfterFullSolve(const cv::Mat& trimap, const cv::Mat& alpha, EngineJo
 
 }  // namespace
 
-int runMatte(const MatteOptions& o) {
+MatteSummary matteOnePair(const MatteOptions& o) {
     const cv::Mat picture = loadPicture(o.picture);
     const cv::Mat trimap = loadTrimap(o.trimap, picture.size());
     if (o.hasRegion) checkRegion(o, picture);
@@ -77,7 +77,12 @@ int runMatte(const MatteOptions& o) {
     writeImage(o.alphaOut, alpha);
     if (!o.cutoutOut.empty()) writeImage(o.cutoutOut, makeCutout(job.foregroundBgr(), alpha));
     if (!o.foregroundOut.empty()) writeImage(o.foregroundOut, job.foregroundBgr());
-    std::printf("matte %dx%d in %.2f s -> %s\n", picture.cols, picture.rows, seconds,
+    return {picture.size(), seconds};
+}
+
+int runMatte(const MatteOptions& o) {
+    const MatteSummary done = matteOnePair(o);
+    std::printf("matte %dx%d in %.2f s -> %s\n", done.size.width, done.size.height, done.seconds,
                 o.alphaOut.c_str());
     return 0;
 }

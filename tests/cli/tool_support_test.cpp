@@ -6,8 +6,11 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
+#include <opencv2/core.hpp>
 #include <opencv2/imgcodecs.hpp>
 #include <string>
+#include <vector>
 
 #include "engine_job.h"
 #include "image_io.h"
@@ -90,6 +93,50 @@ TEST_F(ToolFiles, SixteenBitLevelsStayWithinOneLevel) {
     }
     EXPECT_EQ(g.at<cv::Vec3b>(0, 0), cv::Vec3b(0, 255, 0));
     EXPECT_EQ(g.at<cv::Vec3b>(255, 255), cv::Vec3b(255, 0, 255));
+}
+
+// A JPEG as a camera writes it: an APP1 Exif segment holding one orientation
+// tag, right after the start marker.
+void writeJpegWithOrientation(const std::string& path, const cv::Mat& image, int orientation) {
+    std::vector<unsigned char> jpeg;
+    ASSERT_TRUE(cv::imencode(".jpg", image, jpeg, {cv::IMWRITE_JPEG_QUALITY, 100}));
+    const unsigned char app1[] = {
+        0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0,  // marker, length, Exif header
+        'M',  'M',  0, 42, 0,   0,   0,   8,          // big-endian TIFF, IFD at 8
+        0,    1,                                      // one entry:
+        0x01, 0x12, 0, 3,  0,   0,   0,   1,   0, static_cast<unsigned char>(orientation),
+        0,    0,    0, 0,  0,   0};  // orientation, one SHORT; no next IFD
+    jpeg.insert(jpeg.begin() + 2, std::begin(app1), std::end(app1));
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(jpeg.data()),
+               static_cast<std::streamsize>(jpeg.size()));
+}
+
+// Pictures and trimaps come in upright, whatever orientation the camera
+// recorded, so a trimap painted over the picture as shown lines up with it.
+TEST_F(ToolFiles, ExifOrientationIsApplied) {
+    // 8x8 blocks of flat grey, aligned to the JPEG's own blocks, stay within
+    // a level or two at quality 100 while every block differs from the next.
+    cv::Mat stored(16, 24, CV_8UC1);
+    for (int i = 0; i < 6; ++i) stored(cv::Rect(i % 3 * 8, i / 3 * 8, 8, 8)).setTo(i * 50);
+    const struct {
+        int orientation;
+        int rotation;  // cv::RotateFlags, or -1 for none
+    } cases[] = {{1, -1},
+                 {3, cv::ROTATE_180},
+                 {6, cv::ROTATE_90_CLOCKWISE},
+                 {8, cv::ROTATE_90_COUNTERCLOCKWISE}};
+    for (const auto& c : cases) {
+        const std::string file = path(("o" + std::to_string(c.orientation) + ".jpg").c_str());
+        writeJpegWithOrientation(file, stored, c.orientation);
+        cv::Mat upright = stored;
+        if (c.rotation >= 0) cv::rotate(stored, upright, c.rotation);
+        const cv::Mat trimap = loadTrimap(file, upright.size());
+        EXPECT_LE(cv::norm(trimap, upright, cv::NORM_INF), 3) << c.orientation;
+        cv::Mat pictureGrey;
+        cv::extractChannel(loadPicture(file), pictureGrey, 1);
+        EXPECT_LE(cv::norm(pictureGrey, upright, cv::NORM_INF), 3) << c.orientation;
+    }
 }
 
 TEST(ToolConversions, TrimapToBrushMapAndBack) {

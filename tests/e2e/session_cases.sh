@@ -3,7 +3,9 @@
 # strokes, fills, selects, computes and shows writes every file it promises,
 # so does one that starts from a GrabCut selection, and each kind of bad
 # script ends in one line naming the operation, with exit status 1 and
-# nothing written. `keepcut cutout` likewise, for a good and a bad rectangle.
+# nothing written. `keepcut cutout` likewise, for a good and a bad rectangle;
+# `keepcut band` makes a trimap that `keepcut matte` takes, and bad folders or
+# widths for batch and band end in one line.
 set -uo pipefail
 tool=$1
 work=$2
@@ -69,6 +71,31 @@ for c in "${cutout_cases[@]}"; do
   rc=$?
   if [ $rc -ne 1 ] || ! grep -qxF -- "${c#*|}" "$work/bad_cut.err" || [ -e "$work/bad_cut.png" ]; then
     echo "cutout ${c%%|*}: exit $rc, stderr: $(cat "$work/bad_cut.err")"; status=1
+  fi
+done
+
+if ! { "$tool" band "$work/demo/true_alpha.png" --width 8 -o "$work/band.png" &&
+       "$tool" matte "$picture" "$work/band.png" -o "$work/band_matte.png"; } > "$work/band.log" 2>&1; then
+  echo "band then matte failed:"; cat "$work/band.log"; status=1
+fi
+
+mkdir -p "$work/empty"
+black=$work/black.pgm
+printf 'P5 2 2 255\n\000\000\000\000' > "$black"  # a 2x2 all-black mask
+# arguments | a line expected on stderr (exit status not 0, nothing written to out)
+cli_cases=(
+  "batch $work/none $work/empty -o $work/out|keepcut: picture folder not found: $work/none"
+  "batch $work/empty $work/demo -o $work/out|keepcut: picture folder has no files: $work/empty"
+  "batch $work/demo $work/demo -o $work/demo|keepcut: the output folder must not be the picture or trimap folder: $work/demo"
+  "band $picture --width 0 -o $work/out|--width: Value 0 not in range 1 to 1024"
+  "band $black --width 4 -o $work/out|keepcut: mask has no foreground (no byte over 127): $black"
+)
+for c in "${cli_cases[@]}"; do
+  # shellcheck disable=SC2086
+  "$tool" ${c%%|*} 2> "$work/cli.err" > /dev/null
+  rc=$?
+  if [ $rc -eq 0 ] || ! grep -qxF -- "${c#*|}" "$work/cli.err" || [ -e "$work/out" ]; then
+    echo "${c%%|*}: exit $rc, stderr: $(cat "$work/cli.err")"; status=1
   fi
 done
 
