@@ -14,6 +14,7 @@ packages=(
   nlohmann-json3-dev       # the tool's session scripts
   libgtest-dev libgmock-dev
   libbenchmark-dev
+  python3-numpy python3-pytest  # the Python binding's tests (ctest python_binding)
 )
 if [ "${1:-}" = fuzz ]; then
   packages+=(clang libclang-rt-14-dev)  # libFuzzer and the sanitizer runtimes
