@@ -127,7 +127,7 @@ TEST_F(ToolFiles, ExifOrientationIsApplied) {
                  {6, cv::ROTATE_90_CLOCKWISE},
                  {8, cv::ROTATE_90_COUNTERCLOCKWISE}};
     for (const auto& c : cases) {
-        const std::string file = path(("o" + std::to_string(c.orientation) + ".jpg").c_str());
+        const std::string file = path(cv::format("o%d.jpg", c.orientation).c_str());
         writeJpegWithOrientation(file, stored, c.orientation);
         cv::Mat upright = stored;
         if (c.rotation >= 0) cv::rotate(stored, upright, c.rotation);
