@@ -14,6 +14,7 @@ packages=(
   nlohmann-json3-dev       # the tool's session scripts
   libgtest-dev libgmock-dev
   libbenchmark-dev
+  gimp libgimp2.0-dev      # the GIMP plug-in and its test (about 270 MB installed)
 )
 if [ "${1:-}" = fuzz ]; then
   packages+=(clang libclang-rt-14-dev)  # libFuzzer and the sanitizer runtimes
