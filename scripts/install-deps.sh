@@ -15,6 +15,7 @@ packages=(
   libgtest-dev libgmock-dev
   libbenchmark-dev
   python3-numpy python3-pytest  # the Python binding's tests (ctest python_binding)
+  gimp libgimp2.0-dev      # the GIMP plug-in and its test (about 270 MB installed)
 )
 if [ "${1:-}" = fuzz ]; then
   packages+=(clang libclang-rt-14-dev)  # libFuzzer and the sanitizer runtimes

@@ -19,6 +19,15 @@ for h in keepcut.h keepcut_export.h; do
   [ -f "$stage/include/keepcut/$h" ] || { echo "include/keepcut/$h missing"; exit 1; }
 done
 "$src/tests/api/check_exports.sh" "$lib" "$src/src/api/keepcut.map"
+# A GIMP plug-in built here is installed in GIMP's layout and finds the
+# installed library by itself.
+if [ -x "$build/plugins/gimp/plug-ins/keepcut/keepcut" ]; then
+  plugin=$libdir/gimp/2.0/plug-ins/keepcut/keepcut
+  [ -x "$plugin" ] || { echo "the GIMP plug-in was not installed as $plugin"; exit 1; }
+  found=$(env -u LD_LIBRARY_PATH ldd "$plugin" | sed -n 's/.*libkeepcut\.so\.0 => \(.*\) (.*/\1/p')
+  [ "$(realpath "$found")" = "$(realpath "$lib")" ] ||
+    { echo "the installed GIMP plug-in loads libkeepcut.so.0 from '$found'"; exit 1; }
+fi
 imports=$(nm -D --undefined-only "$lib" | awk '{print $2}' | grep -E '^_ZN2cv|^cholmod_|^cv[A-Z]' || true)
 [ -z "$imports" ] || { echo "imports a dependency's C++ or solver symbols:"; echo "$imports"; exit 1; }
 
