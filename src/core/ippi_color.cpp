@@ -1,10 +1,12 @@
 // HLS conversions and the colour twist as per-row loops (the library's own
-// HLS variants scale hue differently, so the formulas are written out here).
+// HLS variants scale hue differently, so the formulas are written out here;
+// the byte forms run the same formulas vectorised, in core/hls_rows).
 #include "core/ippi_color.h"
 
 #include <algorithm>
 #include <cmath>
 
+#include "core/hls_rows.h"
 #include "core/ippi_common.h"
 
 namespace {
@@ -72,32 +74,15 @@ IppStatus perPixel(const T* s, int ss, int srcCh, T* d, int ds, int dstCh, IppiS
     return ippStsNoErr;
 }
 
-Ipp8u toByte(float v) {
-    return saturateTo<Ipp8u>(std::lrint(v * 255.f));
-}
-
-// Byte pixels through a float conversion f, all channels 0..1.
-template <typename Fn>
-IppStatus bytes4(const Ipp8u* s, int ss, Ipp8u* d, int ds, IppiSize r, const int (&order)[3],
-                 Fn f) {
+// Byte pixels row by row through a row conversion.
+template <typename Row>
+IppStatus bytes4(const Ipp8u* s, int ss, Ipp8u* d, int ds, IppiSize r, Row row) {
     if (IppStatus st = checkPlanes(r, {plane(s, ss, 4), plane(d, ds, 4)})) return st;
-    for (int y = 0; y < r.height; ++y) {
-        const Ipp8u* sr = rowAt(s, ss, y);
-        Ipp8u* dr = rowAt(d, ds, y);
-        for (int x = 0; x < r.width; ++x) {
-            const Ipp8u* p = sr + 4 * x;
-            const Triple out = f(p[order[0]] / 255.f, p[order[1]] / 255.f, p[order[2]] / 255.f);
-            Ipp8u* q = dr + 4 * x;
-            q[0] = toByte(out.a);
-            q[1] = toByte(out.b);
-            q[2] = toByte(out.c);
-        }
-    }
+    for (int y = 0; y < r.height; ++y) row(rowAt(s, ss, y), rowAt(d, ds, y), r.width);
     return ippStsNoErr;
 }
 
 constexpr int kInOrder[3] = {0, 1, 2};
-constexpr int kReversed[3] = {2, 1, 0};
 }  // namespace
 
 IppStatus ippiRGBToHLS_32f_C3R(const Ipp32f* s, int ss, Ipp32f* d, int ds, IppiSize r) {
@@ -107,13 +92,17 @@ IppStatus ippiHLSToRGB_32f_C3R(const Ipp32f* s, int ss, Ipp32f* d, int ds, IppiS
     return perPixel(s, ss, 3, d, ds, 3, r, kInOrder, hlsToRgb);
 }
 IppStatus ippiRGBToHLS_8u_AC4R(const Ipp8u* s, int ss, Ipp8u* d, int ds, IppiSize r) {
-    return bytes4(s, ss, d, ds, r, kInOrder, rgbToHls);
+    return bytes4(s, ss, d, ds, r, [](const Ipp8u* a, Ipp8u* b, int n) {
+        rgbRowToHls(a, b, n, HlsSourceOrder::Rgb);
+    });
 }
 IppStatus ippiHLSToRGB_8u_AC4R(const Ipp8u* s, int ss, Ipp8u* d, int ds, IppiSize r) {
-    return bytes4(s, ss, d, ds, r, kInOrder, hlsToRgb);
+    return bytes4(s, ss, d, ds, r, hlsRowToRgb);
 }
 IppStatus ippiBGRToHLS_8u_AC4R(const Ipp8u* s, int ss, Ipp8u* d, int ds, IppiSize r) {
-    return bytes4(s, ss, d, ds, r, kReversed, rgbToHls);
+    return bytes4(s, ss, d, ds, r, [](const Ipp8u* a, Ipp8u* b, int n) {
+        rgbRowToHls(a, b, n, HlsSourceOrder::Bgr);
+    });
 }
 
 IppStatus ippiColorTwist_32f_IP3R(Ipp32f* const p[3], int step, IppiSize r,

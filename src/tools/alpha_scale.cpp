@@ -1,54 +1,45 @@
-// Alpha range stretching: the internal form over a container and the host
-// entry over a borrowed map.
-#include "tools/alpha_scale.h"
-
-#include <algorithm>
+// Alpha range stretching of a whole map, row by row in place, and the host
+// entry over a borrowed map: one pass without scratch.
+#include <cstdint>
 
 #include "api/keepcut_display.h"
-#include "core/img_ops.h"
-#include "core/ipp_primitives.h"
+#include "core/img.h"
+#include "core/ippi_common.h"
+#include "core/simd_clones.h"
 #include "runtime/entry_guard.h"
+#include "tools/alpha_stretch.h"
 
 namespace {
 
-// The full 8-bit range: nothing to stretch.
-constexpr int kFullRange = 255;
-// 255 x 32: the factor is kept in 1/32 steps so that an 8-bit constant with a
-// scale factor of 5 carries it.
-constexpr int kFactorNumerator = 8160;
-constexpr int kFactorScaleBits = 5;
-constexpr int kMaxFactor = 255;
+// Product of a byte and the factor scaled by 2^-5, in 16-bit lanes.
+using Scale = kc::prim::FixedSfs<unsigned char, std::uint16_t, AlphaStretch::kFactorScaleBits>;
+
 // Bit 0 of a map byte marks a pixel the user painted.
 constexpr unsigned char kPaintedBit = 1;
 
-// Bytes that were odd in `before` get their old value back; all others lose
-// bit 0. `painted` is scratch of the map's size.
-void restorePainted(const GIMG<unsigned char>& before, GIMG<unsigned char>& painted,
-                    GIMG<unsigned char>& alpha) {
-    Copy(before, painted);
-    ippiAndC_8u_C1IR(kPaintedBit, painted.ptr(), painted.step, painted.roiSize);
-    ippiAndC_8u_C1IR(static_cast<unsigned char>(~kPaintedBit), alpha.ptr(), alpha.step,
-                     alpha.roiSize);
-    ippiCopy_8u_C1MR(before.ptr(), before.step, alpha.ptr(), alpha.step, alpha.roiSize,
-                     painted.ptr(), painted.step);
+unsigned char keepOrClear(unsigned char before, unsigned char stretched) {
+    return (before & kPaintedBit) ? before : static_cast<unsigned char>(stretched & ~kPaintedBit);
+}
+
+[[gnu::always_inline]] inline unsigned char stretchByte(unsigned char a, unsigned char lo,
+                                                        unsigned char k, bool keepPainted) {
+    const unsigned char out = Scale{}(static_cast<std::uint16_t>((a > lo ? a - lo : 0) * k));
+    return keepPainted ? keepOrClear(a, out) : out;
+}
+
+// A plain loop with the primitives' 16-bit scaler: the compiler vectorises
+// it in 16-bit lanes, 32 bytes a step in the AVX2 clone.
+KC_TEMPLATE_AVX2_CLONES
+void stretchBytes(const unsigned char* src, unsigned char* dst, int n, unsigned char lo,
+                  unsigned char k, bool keepPainted) {
+    for (int x = 0; x < n; ++x) dst[x] = stretchByte(src[x], lo, k, keepPainted);
 }
 
 }  // namespace
 
-void scaleAlpha(GIMG<unsigned char>& alpha, unsigned char hi, unsigned char lo, bool keepPainted) {
-    const int d = hi - lo;
-    if (d == kFullRange || alpha.width() == 0 || alpha.height() == 0) return;
-    // A negative factor (hi below lo) reaches the 8-bit multiply modulo 256,
-    // as an int constant does through the primitive's 8-bit parameter.
-    const auto k = static_cast<unsigned char>(std::min(kFactorNumerator / d, kMaxFactor));
-    // Scratch is allocated before the map is touched, so that running out of
-    // memory leaves it as it was.
-    const int w = keepPainted ? alpha.width() : 0, h = keepPainted ? alpha.height() : 0;
-    GIMG<unsigned char> before(w, h), painted(w, h);
-    if (keepPainted) Copy(alpha, before);
-    Sub(lo, alpha, 0);
-    Mul(k, alpha, kFactorScaleBits);
-    if (keepPainted) restorePainted(before, painted, alpha);
+void stretchRow(const AlphaStretch& s, const unsigned char* src, unsigned char* dst, int n,
+                bool keepPainted) {
+    stretchBytes(src, dst, n, s.lo(), s.factor(), keepPainted);
 }
 
 extern "C" KC_EXPORT int rkScaleAlpha(unsigned char* alpha, int alphaStep, int width, int height,
@@ -58,8 +49,12 @@ extern "C" KC_EXPORT int rkScaleAlpha(unsigned char* alpha, int alphaStep, int w
         if (!rkCheckBuffer(kEntry, "alpha", alpha, width, height, alphaStep, 1))
             return kInvalidArgument;
         if (hi == lo) return rkRefuseWith(kEntry, "hi equals lo, an empty range to stretch");
-        GIMG<unsigned char> map(width, height, alpha, alphaStep);
-        scaleAlpha(map, hi, lo, keepPainted != 0);
+        const AlphaStretch s(hi, lo);
+        if (s.identity()) return 1;
+        for (int y = 0; y < height; ++y) {
+            unsigned char* row = imgPtr(alpha, alphaStep, 0, y);
+            stretchRow(s, row, row, width, keepPainted != 0);
+        }
         return 1;
     });
 }

@@ -1,11 +1,11 @@
 // Desaturation of the unpainted part of the picture, so that the selection
 // stands out in colour while the rest of the picture fades to grey.
 #include <cmath>
-#include <opencv2/core.hpp>
+#include <vector>
 
 #include "api/keepcut_display.h"
+#include "core/hls_rows.h"
 #include "core/img.h"
-#include "core/ipp_primitives.h"
 #include "runtime/entry_guard.h"
 #include "tools/pixel_bytes.h"
 
@@ -13,18 +13,22 @@ namespace {
 
 // Host pictures: blue, green, red and a fourth byte.
 constexpr int kPictureBytes = 4;
-// Byte of a hue, lightness, saturation pixel that holds the saturation.
-constexpr int kSaturationByte = 2;
-// One factor per possible map byte.
+// Byte values.
 constexpr int kByteValues = 256;
 
-// Factor on the saturation per map byte: (1 - s) + s f^4 with f = m / 255;
-// the fourth power brings colour back only near full alpha.
-void saturationFactors(float strength, double (&factor)[kByteValues]) {
+// New saturation per unpainted map byte m and saturation v:
+// trunc(v x ((1 - s) + s f^4)) with f = m / 255; the fourth power brings
+// colour back only near full alpha. Row m of the table serves map byte m;
+// rows of painted (odd) bytes keep the saturation, so no pixel branches.
+std::vector<unsigned char> saturationTable(float strength) {
+    std::vector<unsigned char> table(kByteValues * kByteValues);
     for (int m = 0; m < kByteValues; ++m) {
         const double f = m / 255.0;
-        factor[m] = (1 - strength) + strength * (f * f * f * f);
+        const double factor = (1 - strength) + strength * (f * f * f * f);
+        for (int v = 0; v < kByteValues; ++v)
+            table[m * kByteValues + v] = (m & 1) ? v : truncateToByte(v * factor);
     }
+    return table;
 }
 
 }  // namespace
@@ -38,18 +42,15 @@ extern "C" KC_EXPORT int rkDesaturation(unsigned char* image, int imageStep, int
             return kInvalidArgument;
         if (!std::isfinite(strength)) return rkRefuseWith(kEntry, "the strength is not finite");
         if (width == 0 || height == 0) return 1;
-        const IppiSize size{width, height};
-        cv::Mat hls(height, width, CV_8UC4);
-        ippiRGBToHLS_8u_AC4R(image, imageStep, hls.data, static_cast<int>(hls.step), size);
-        double factor[kByteValues];
-        saturationFactors(strength, factor);
+        const std::vector<unsigned char> table = saturationTable(strength);
+        // Row by row through hue, lightness, saturation, chunk by chunk, so
+        // the intermediate never leaves the cache.
         for (int y = 0; y < height; ++y) {
-            unsigned char* p = hls.ptr<unsigned char>(y) + kSaturationByte;
             const unsigned char* m = imgPtr(mask, maskStep, 0, y);
-            for (int x = 0; x < width; ++x, p += kPictureBytes)
-                if ((m[x] & 1) == 0) *p = truncateToByte(*p * factor[m[x]]);
+            adjustSaturationInHls(imgPtr(image, imageStep, 0, y), width, [&](SaturationChunk& c) {
+                for (int i = 0; i < c.n; ++i) c.s[i] = table[m[c.x0 + i] * kByteValues + c.s[i]];
+            });
         }
-        ippiHLSToRGB_8u_AC4R(hls.data, static_cast<int>(hls.step), image, imageStep, size);
         return 1;
     });
 }

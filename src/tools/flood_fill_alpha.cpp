@@ -1,16 +1,16 @@
 // Flood fill of a brush region: the 8-connected area of the seed's class
-// (cut, keep, or anything else) becomes cut, keep or the compute band.
+// (cut, keep, or anything else) becomes cut, keep or the compute band. The
+// area is filled in place, run by run, with no class plane of its own.
 #include <algorithm>
-#include <iterator>
-#include <memory>
+#include <new>
+#include <vector>
 
 #include "api/keepcut.h"
-#include "core/aligned_alloc.h"
 #include "core/img.h"
 #include "core/ippi_floodfill.h"
-#include "core/ippi_lut.h"
 #include "pipeline/mask_codes.h"
 #include "runtime/entry_guard.h"
+#include "tools/class_fill.h"
 
 namespace {
 
@@ -21,27 +21,16 @@ constexpr const char* kEntry = "rkFloodFillAlpha";
 constexpr int kNoMemory = -1;
 constexpr int kSeedOutside = -3;
 
-// Fill types, and the class each one fills with.
+// Fill types: cut, keep, the compute band; any other value only measures.
 constexpr char kFillCut = 0;
 constexpr char kFillKeep = 1;
 constexpr char kFillBand = 2;
-// Class values of the class map: every byte is cut, keep or other.
-constexpr unsigned char kClassCut = 0;
-constexpr unsigned char kClassKeep = 1;
-constexpr unsigned char kClassOther = 2;
-// The band fill marks its area with a value no class holds, then writes the
-// band's fill byte there.
-constexpr unsigned char kBandMark = 127;
 // Unpainted middle alpha: the compute band's fill value.
 constexpr unsigned char kBandFill = 126;
-// A palette over every byte value.
-constexpr int kByteBits = 8;
 
 struct Rect {
     int x, y, width, height;
 };
-
-using PlanePtr = std::unique_ptr<Ipp8u, void (*)(void*)>;
 
 int noMemory() {
     rkRefuse(kEntry, "result -1, no memory for the fill");
@@ -57,21 +46,39 @@ Rect clampRect(const IppiRect& r, int width, int height) {
     return c;
 }
 
-// Writes `to` into the mask wherever the class map holds `cls` inside rect.
-void writeWhere(unsigned char* mask, int maskStep, const Ipp8u* cls, int clsStep, const Rect& r,
-                unsigned char classValue, unsigned char to) {
-    for (int y = r.y; y < r.y + r.height; ++y) {
-        unsigned char* m = imgPtr(mask, maskStep, 0, y);
-        const unsigned char* c = imgPtr(cls, clsStep, 0, y);
-        for (int x = r.x; x < r.x + r.width; ++x)
-            if (c[x] == classValue) m[x] = to;
-    }
-}
-
 bool alreadyFilled(unsigned char seed, char fillType) {
     return (seed == kMaskCut && fillType == kFillCut) ||
            (seed == kMaskKeep && fillType == kFillKeep) ||
            (seed == kBandFill && fillType == kFillBand);
+}
+
+// Marker written over the area while filling: a byte outside the seed's
+// class. Cut and keep fills write their final code at once (the early return
+// above guarantees the seed is not of that class already).
+unsigned char fillMarker(unsigned char seed, char fillType) {
+    if (fillType == kFillKeep) return kMaskKeep;
+    if (fillType == kFillCut) return kMaskCut;
+    return seed == kMaskCut ? kMaskKeep : kMaskCut;
+}
+
+IppiRect fill(unsigned char* mask, int maskStep, IppiSize size, IppiPoint seed, char fillType) {
+    const unsigned char marker = fillMarker(*imgPtr(mask, maskStep, seed.x, seed.y), fillType);
+    if (fillType == kFillCut || fillType == kFillKeep)
+        return fillClassArea(mask, maskStep, size, seed, marker, nullptr);
+    if (fillType == kFillBand) {
+        std::vector<FillRun> runs;
+        const IppiRect r = fillClassArea(mask, maskStep, size, seed, marker, &runs);
+        for (const FillRun& run : runs)
+            std::fill(imgPtr(mask, maskStep, run.x0, run.y), imgPtr(mask, maskStep, run.x1, run.y),
+                      kBandFill);
+        return r;
+    }
+    // Any other type writes nothing: fill a copy to measure the area.
+    std::vector<unsigned char> copy(static_cast<std::size_t>(size.width) * size.height);
+    for (int y = 0; y < size.height; ++y)
+        std::copy_n(imgPtr(mask, maskStep, 0, y), size.width,
+                    &copy[std::size_t{1} * y * size.width]);
+    return fillClassArea(copy.data(), size.width, size, seed, marker, nullptr);
 }
 
 int floodFill(unsigned char* mask, int maskStep, int width, int height, int seedX, int seedY,
@@ -82,38 +89,17 @@ int floodFill(unsigned char* mask, int maskStep, int width, int height, int seed
         return kSeedOutside;
     }
     if (alreadyFilled(*imgPtr(mask, maskStep, seedX, seedY), fillType)) return 1;
-
-    const IppiSize roi{width, height};
-    int clsStep = 0;
-    PlanePtr cls(ippiMalloc_8u_C1(width, height, &clsStep), ippiFree);
-    if (!cls) return noMemory();
-    Ipp8u palette[1 << kByteBits];
-    std::fill(std::begin(palette), std::end(palette), kClassOther);
-    palette[kMaskCut] = kClassCut;
-    palette[kMaskKeep] = kClassKeep;
-    ippiLUTPalette_8u_C1R(mask, maskStep, cls.get(), clsStep, roi, palette, kByteBits);
-
-    // The size query of the gradient fill also serves the range fill used here.
+    // Maps too large for the fill primitive's work buffer are refused alike.
     int bufBytes = 0;
-    if (ippiFloodFillGetSize_Grad(roi, &bufBytes) != ippStsNoErr) return noMemory();
-    PlanePtr buffer(ippsMalloc_8u(bufBytes), ippsFree);
-    if (!buffer) return noMemory();
-    const auto fillValue = static_cast<Ipp8u>(
-        fillType == kFillBand ? kBandMark : static_cast<unsigned char>(fillType));
-    IppiConnectedComp region{};
-    ippiFloodFill_Range8Con_8u_C1IR(cls.get(), clsStep, roi, {seedX, seedY}, fillValue, 0, 0,
-                                    &region, buffer.get());
-    buffer.reset();
-
-    Rect r = clampRect(region.rect, width, height);
-    if (fillType == kFillKeep)
-        writeWhere(mask, maskStep, cls.get(), clsStep, r, kClassKeep, kMaskKeep);
-    if (fillType == kFillCut)
-        writeWhere(mask, maskStep, cls.get(), clsStep, r, kClassCut, kMaskCut);
-    if (fillType == kFillBand) {
-        r = {0, 0, width, height};
-        writeWhere(mask, maskStep, cls.get(), clsStep, r, kBandMark, kBandFill);
+    if (ippiFloodFillGetSize_Grad({width, height}, &bufBytes) != ippStsNoErr) return noMemory();
+    Rect r;
+    try {
+        r = clampRect(fill(mask, maskStep, {width, height}, {seedX, seedY}, fillType), width,
+                      height);
+    } catch (const std::bad_alloc&) {
+        return noMemory();
     }
+    if (fillType == kFillBand) r = {0, 0, width, height};
     rect[0] = r.x, rect[1] = r.y, rect[2] = r.width, rect[3] = r.height;
     return 1;
 }

@@ -131,6 +131,16 @@ TEST(PrimColor, ByteHlsScalesTheFloatModelAndKeepsAlpha) {
                 ASSERT_EQ(hls.at(x, y, 3), 123);  // fourth channel untouched
                 ASSERT_EQ(back.at(x, y, 3), 7);
                 for (int c = 0; c < 3; ++c) ASSERT_EQ(hls2.at(x, y, c), hls.at(x, y, c));
+                // The byte forms are the float forms rounded, bit for bit.
+                float in[3], there[3], from[3], again[3];
+                for (int c = 0; c < 3; ++c)
+                    in[c] = rgba.at(x, y, c) / 255.f, from[c] = hls.at(x, y, c) / 255.f;
+                ASSERT_EQ(ippiRGBToHLS_32f_C3R(in, 12, there, 12, {1, 1}), 0);
+                ASSERT_EQ(ippiHLSToRGB_32f_C3R(from, 12, again, 12, {1, 1}), 0);
+                for (int c = 0; c < 3; ++c) {
+                    ASSERT_EQ(hls.at(x, y, c), cv::saturate_cast<Ipp8u>(there[c] * 255.f));
+                    ASSERT_EQ(back.at(x, y, c), cv::saturate_cast<Ipp8u>(again[c] * 255.f));
+                }
                 // 8-bit HLS loses a little; the way back lands within a few levels.
                 for (int c = 0; c < 3; ++c) ASSERT_NEAR(back.at(x, y, c), rgba.at(x, y, c), 4);
             }
