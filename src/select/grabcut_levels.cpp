@@ -15,7 +15,8 @@ constexpr int kMaxHalvings = 5;
 }  // namespace
 
 int grabCutLevels(int width, int height) {
-    const double ratio = std::max(width, height) / kTargetSide;
+    // An empty region counts as one pixel: log(0) has no integer value.
+    const double ratio = std::max({width, height, 1}) / kTargetSide;
     const int levels = static_cast<int>(std::log(ratio) / std::log(2.0)) + 1;
     return std::min(levels, kMaxHalvings);
 }
