@@ -45,24 +45,6 @@ void checkReplication(int left, int top, int right, int bottom, std::mt19937& rn
         }
 }
 
-TEST(EdgeReplication, CornersTakeTheNearestInnerCorner) {
-    GIMG<float> img(6, 6);
-    for (int y = 0; y < 6; ++y)
-        for (int x = 0; x < 6; ++x) *imgPtr(img, x, y) = -1.0f;
-    *imgPtr(img, 2, 2) = 1;  // a
-    *imgPtr(img, 3, 2) = 2;  // b
-    *imgPtr(img, 2, 3) = 3;  // c
-    *imgPtr(img, 3, 3) = 4;  // d
-    imageExtendBorder(img, 2, 2, 2, 2);
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 3; ++x) {
-            EXPECT_EQ(*imgPtr(img, x, y), 1.0f);
-            EXPECT_EQ(*imgPtr(img, x + 3, y + 3), 4.0f);
-            EXPECT_EQ(*imgPtr(img, x + 3, y), 2.0f);
-            EXPECT_EQ(*imgPtr(img, x, y + 3), 3.0f);
-        }
-}
-
 TEST(EdgeReplication, EveryPlaneTypeAndMarginMix) {
     std::mt19937 rng(11);
     const int margins[][4] = {{0, 0, 0, 0}, {1, 0, 0, 0}, {0, 2, 0, 0}, {0, 0, 3, 0},

@@ -36,26 +36,6 @@ T referenceExtreme(const Src& src, int x, int y, IppiSize m, IppiPoint a,
 
 const std::vector<Ipp8u> kFull3x3(9, 1);
 
-TEST(Morphology, Square3x3On8BitMatchesReference) {
-    std::mt19937 rng(1);
-    for (const IppiSize roi : regionSizes()) {
-        for (const bool dilate : {false, true}) {
-            Block<Ipp8u> src(roi, 1, 1);
-            src.fillRandom(rng, 0, 255);
-            Block<Ipp8u> dst(roi, 1, 2);
-            dst.fillValue(kSentinel8);
-            const auto f = dilate ? ippiDilate3x3_8u_C1R : ippiErode3x3_8u_C1R;
-            ASSERT_EQ(f(src.ptr(), src.step(), dst.ptr(), dst.step(), roi), ippStsNoErr);
-            for (int y = 0; y < roi.height; ++y)
-                for (int x = 0; x < roi.width; ++x)
-                    ASSERT_EQ(dst.at(x, y),
-                              referenceExtreme<Ipp8u>(src, x, y, {3, 3}, {1, 1}, kFull3x3, dilate))
-                        << roi.width << "x" << roi.height << " at " << x << "," << y;
-            EXPECT_TRUE(dst.outsideIs(kSentinel8));
-        }
-    }
-}
-
 TEST(Morphology, Square3x3FloatInPlaceReadsOnlyOriginalPixels) {
     std::mt19937 rng(2);
     for (const IppiSize roi : regionSizes()) {
@@ -109,26 +89,49 @@ TEST(Morphology, StructuringMaskInPlaceMatchesReference) {
     }
 }
 
-TEST(Morphology, RectangularMaximumHonoursAnchor) {
+// The 3x3 erode and dilate, and the rectangular maximum over masks with
+// random anchors, from a source block into a destination with a sentinel.
+TEST(Morphology, SourceToDestinationFormsMatchReference) {
     std::mt19937 rng(4);
-    const IppiSize masks[] = {{1, 1}, {3, 3}, {4, 2}, {1, 6}, {7, 1}};
-    for (const IppiSize roi : regionSizes()) {
-        for (const IppiSize m : masks) {
-            const std::vector<Ipp8u> all(m.width * m.height, 1);
-            const IppiPoint a{static_cast<int>(rng() % m.width),
-                              static_cast<int>(rng() % m.height)};
-            Block<Ipp8u> src(roi, 1, 7);
-            src.fillRandom(rng, 0, 255);
-            Block<Ipp8u> dst(roi, 1, 1);
-            dst.fillValue(kSentinel8);
-            ASSERT_EQ(ippiFilterMax_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), roi, m, a),
-                      ippStsNoErr);
-            for (int y = 0; y < roi.height; ++y)
-                for (int x = 0; x < roi.width; ++x)
-                    ASSERT_EQ(dst.at(x, y), referenceExtreme<Ipp8u>(src, x, y, m, a, all, true));
-            EXPECT_TRUE(dst.outsideIs(kSentinel8));
-        }
-    }
+    using Run = IppStatus (*)(const Ipp8u*, int, Ipp8u*, int, IppiSize, IppiSize, IppiPoint);
+    const struct {
+        Run run;
+        bool wantMax;
+        std::vector<IppiSize> masks;
+    } cases[] = {
+        {[](auto s, int ss, auto d, int ds, IppiSize r, IppiSize, IppiPoint) {
+             return ippiErode3x3_8u_C1R(s, ss, d, ds, r);
+         },
+         false,
+         {{3, 3}}},
+        {[](auto s, int ss, auto d, int ds, IppiSize r, IppiSize, IppiPoint) {
+             return ippiDilate3x3_8u_C1R(s, ss, d, ds, r);
+         },
+         true,
+         {{3, 3}}},
+        {ippiFilterMax_8u_C1R, true, {{1, 1}, {3, 3}, {4, 2}, {1, 6}, {7, 1}}},
+    };
+    for (const auto& c : cases)
+        for (const IppiSize roi : regionSizes())
+            for (const IppiSize m : c.masks) {
+                const bool fixed = c.run != ippiFilterMax_8u_C1R;
+                const std::vector<Ipp8u> all(m.width * m.height, 1);
+                const IppiPoint a = fixed ? IppiPoint{1, 1}
+                                          : IppiPoint{static_cast<int>(rng() % m.width),
+                                                      static_cast<int>(rng() % m.height)};
+                Block<Ipp8u> src(roi, 1, 7), dst(roi, 1, 1);
+                src.fillRandom(rng, 0, 255);
+                dst.fillValue(kSentinel8);
+                ASSERT_EQ(c.run(src.ptr(), src.step(), dst.ptr(), dst.step(), roi, m, a),
+                          ippStsNoErr);
+                for (int y = 0; y < roi.height; ++y)
+                    for (int x = 0; x < roi.width; ++x)
+                        ASSERT_EQ(dst.at(x, y),
+                                  referenceExtreme<Ipp8u>(src, x, y, m, a, all, c.wantMax))
+                            << &c - cases << " " << roi.width << "x" << roi.height << " at " << x
+                            << "," << y;
+                EXPECT_TRUE(dst.outsideIs(kSentinel8));
+            }
 }
 
 TEST(Morphology, RefusesBadArguments) {

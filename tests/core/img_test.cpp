@@ -117,12 +117,6 @@ TEST(ImageContainer, ThrowsOutOfMemoryWhenNothingCanBeAllocated) {
     EXPECT_NE(empty.buf, nullptr);
 }
 
-TEST(ImageContainer, SizeResizeIsRelative) {
-    IPSize s(10, 4);
-    s.resize(-3, 2).resize(1, 1);
-    EXPECT_EQ(s, IPSize(8, 7));
-}
-
 TEST(AlignedAllocator, VectorsAndPlanesAreAligned) {
     int step = 0;
     Ipp8u* p8 = ippiMalloc_8u_C1(5, 3, &step);

@@ -126,13 +126,6 @@ TEST(PrimConvert, ExactHalvesGoToEvenAndTruncationGoesTowardZero) {
               ippStsBadArgErr);
 }
 
-TEST(PrimConvert, DoubleVectorToFloat) {
-    const std::vector<double> in = {1.0 / 3, -1e-40, 3e38, 0.1};
-    std::vector<float> out(4);
-    ASSERT_EQ(ippsConvert_64f32f(in.data(), out.data(), 4), 0);
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(out[i], static_cast<float>(in[i]));
-}
-
 TEST(PrimScale, MapsBetweenByteRangeAndFloatRange) {
     const float vMin = -1.f, vMax = 3.f;
     auto up = [&](auto prim) { return [&, prim](auto... a) { return prim(a..., vMin, vMax); }; };

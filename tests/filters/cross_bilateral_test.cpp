@@ -1,5 +1,6 @@
 // Cross bilateral filter against a per-pixel reference that follows the
-// algorithm literally, on random images of odd sizes and several settings.
+// algorithm literally, on random images of odd sizes and several settings;
+// whole padded rows are compared, so the frame and row padding must survive.
 #include "filters/cross_bilateral.h"
 
 #include <gtest/gtest.h>
@@ -143,81 +144,20 @@ TEST(CrossBilateral, MatchesPerPixelReference) {
     }
 }
 
+// Radius outside 1..3, or an interior of fewer than two pixels along a side
+// (5x5 with radius 2 leaves 1x1; 6x5 leaves 2x1), is refused untouched.
 TEST(CrossBilateral, RefusesRadiusOutsideOneToThreeAndTinyInteriors) {
     std::mt19937 rng(7);
-    const Settings cases[] = {{0, 20.0f, 1.0f, 1.0f}, {4, 20.0f, 1.0f, 1.0f}};
-    for (const Settings& s : cases) {
-        std::vector<Plane> planes{randomPlane(30, 30, 2, rng)}, guide{randomPlane(30, 30, 0, rng)};
+    const struct {
+        int w, h, radius;
+    } cases[] = {{30, 30, 0}, {30, 30, 4}, {5, 5, 2}, {6, 5, 2}, {5, 6, 2}};
+    for (const auto& c : cases) {
+        std::vector<Plane> planes{randomPlane(c.w, c.h, 2, rng)},
+            guide{randomPlane(c.w, c.h, 0, rng)};
         const std::vector<unsigned char> before = planes[0].bytes;
-        EXPECT_EQ(runFilter(planes, guide, s), 0) << "radius " << s.radius;
+        EXPECT_EQ(runFilter(planes, guide, {c.radius, 20.0f, 1.0f, 1.0f}), 0)
+            << c.w << "x" << c.h << " radius " << c.radius;
         EXPECT_EQ(planes[0].bytes, before);
-    }
-    // 5x5 with radius 2 leaves a 1x1 interior; 6x5 leaves 2x1.
-    for (const auto& sz : {std::pair{5, 5}, std::pair{6, 5}, std::pair{5, 6}}) {
-        std::vector<Plane> planes{randomPlane(sz.first, sz.second, 0, rng)};
-        std::vector<Plane> guide{randomPlane(sz.first, sz.second, 0, rng)};
-        const std::vector<unsigned char> before = planes[0].bytes;
-        EXPECT_EQ(runFilter(planes, guide, {2, 20.0f, 1.0f, 1.0f}), 0);
-        EXPECT_EQ(planes[0].bytes, before);
-    }
-}
-
-// With a flat guide every neighbour gets range weight 255 scaled by its
-// spatial byte: a Gaussian-weighted mean. Computed here in double from the
-// closed form, so the float accumulation of the filter may differ by at most
-// one grey level where the mean lands next to a rounding boundary.
-TEST(CrossBilateral, FlatGuideGivesGaussianWeightedMean) {
-    std::mt19937 rng(99);
-    const int w = 31, h = 19;
-    for (const Settings s : {Settings{1, 10.0f, 1.0f, 1.0f}, Settings{3, 10.0f, 2.0f, 0.5f}}) {
-        std::vector<Plane> planes{randomPlane(w, h, 1, rng)};
-        std::vector<Plane> guide{Plane(w, h, 0), Plane(w, h, 0)};
-        std::fill(guide[0].bytes.begin(), guide[0].bytes.end(), 77);
-        std::fill(guide[1].bytes.begin(), guide[1].bytes.end(), 200);
-        const Plane original = planes[0];
-        ASSERT_EQ(runFilter(planes, guide, s), 1);
-
-        const int r = s.radius;
-        for (int y = r; y < h - r; ++y) {
-            for (int x = r; x < w - r; ++x) {
-                double num = original.at(x, y) * s.centreWeight * 255.0;
-                double den = s.centreWeight * 255.0;
-                for (int dy = -r; dy <= r; ++dy)
-                    for (int dx = -r; dx <= r; ++dx) {
-                        if (dx == 0 && dy == 0) continue;
-                        const int k =
-                            static_cast<int>(128.0 * std::exp(-(dx * dx + dy * dy) /
-                                                              (2.0 * s.sigmaSpace * s.sigmaSpace)));
-                        const double wgt = std::nearbyint(255.0 * k / 128.0);
-                        num += wgt * original.at(x + dx, y + dy);
-                        den += wgt;
-                    }
-                EXPECT_NEAR(planes[0].at(x, y), num / den, 1.0) << x << "," << y;
-            }
-        }
-    }
-}
-
-TEST(CrossBilateral, LeavesFrameAndRowPaddingUntouched) {
-    std::mt19937 rng(5);
-    for (int r = 1; r <= 3; ++r) {
-        const int w = 23, h = 17;
-        std::vector<Plane> planes{randomPlane(w, h, 7, rng)};
-        std::vector<Plane> guide{blockyPlane(w, h, 0, rng), blockyPlane(w, h, 0, rng),
-                                 blockyPlane(w, h, 0, rng)};
-        const Plane before = planes[0];
-        ASSERT_EQ(runFilter(planes, guide, {r, 30.0f, 1.5f, 1.0f}), 1);
-        int changedInside = 0;
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < planes[0].step; ++x) {
-                const bool interior = x >= r && x < w - r && y >= r && y < h - r;
-                if (!interior)
-                    EXPECT_EQ(planes[0].at(x, y), before.at(x, y))
-                        << "r " << r << " at " << x << "," << y;
-                else
-                    changedInside += planes[0].at(x, y) != before.at(x, y);
-            }
-        EXPECT_GT(changedInside, 0);  // random alpha does get smoothed
     }
 }
 

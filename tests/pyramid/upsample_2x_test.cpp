@@ -227,36 +227,6 @@ TEST(GuidedUpsampleMatchesReference, EveryElementTypeAndShape) {
 
 // ---- behaviour ------------------------------------------------------------------
 
-TEST(GuidedUpsample, ConstantGuideGivesPlainMeanOfTheFourNeighbours) {
-    std::mt19937 rng(31);
-    const int cw = 6, chh = 5, dw = 12, dh = 10;
-    auto c = randomCase<unsigned char>(cw, chh, dw, dh, 1, 3, 0, 255, rng);
-    for (auto& g : c.guide) g = Grid<unsigned char>(dw, dh, 90);
-    std::vector<Grid<unsigned char>> got;
-    ASSERT_EQ(runEngine(c, 9.0, got), 1);
-    const auto& d = got[0];
-    const auto& s = c.src[0];
-    // The rounded mean: within half a level of the exact mean (ties either way).
-    auto expectMean = [&](int x, int y, double sum) {
-        EXPECT_LE(std::fabs(d.at(x, y) - sum / 4), 0.5 + 1e-3) << x << "," << y;
-    };
-    for (int j = 0; j + 1 < chh; ++j)
-        for (int i = 0; i + 1 < cw; ++i)
-            expectMean(2 * i + 1, 2 * j + 1,
-                       s.at(i, j) + s.at(i + 1, j) + s.at(i, j + 1) + s.at(i + 1, j + 1));
-    for (int j = 0; j + 1 < chh; ++j)
-        for (int i = 0; i + 1 < cw; ++i) {
-            expectMean(2 * i + 1, 2 * j + 2,
-                       s.at(i, j + 1) + s.at(i + 1, j + 1) + d.at(2 * i + 1, 2 * j + 1) +
-                           d.at(2 * i + 1, 2 * j + 3));
-            expectMean(2 * i + 2, 2 * j + 1,
-                       s.at(i + 1, j) + s.at(i + 1, j + 1) + d.at(2 * i + 1, 2 * j + 1) +
-                           d.at(2 * i + 3, 2 * j + 1));
-        }
-    for (int j = 0; j < chh; ++j)
-        for (int i = 0; i < cw; ++i) EXPECT_EQ(d.at(2 * i, 2 * j), s.at(i, j));
-}
-
 // Guide with a sharp colour edge at fine column (or row) e, and the alpha that
 // belongs to it: 0 before the edge, 255 from it on, decimated to the coarse level.
 Case<unsigned char> edgeCase(int dw, int dh, int e, bool vertical, bool guided) {
@@ -377,19 +347,7 @@ TEST(GuidedUpsample, CombinedResizesAnyCoarseSizeOntoHalfTheDestination) {
     }
 }
 
-// ---- weight tables ---------------------------------------------------------------
-
-TEST(GuideWeights, ByteTableFallsFrom255ToAFloorOfOne) {
-    const auto t = makeByteGuideWeights(9.0f);
-    EXPECT_EQ(t[0], 255);
-    EXPECT_EQ(t[255], 1);
-    for (int d = 0; d < 256; ++d) {
-        EXPECT_EQ(t[d], refByteWeight(d, 9.0)) << d;
-        if (d > 0) {
-            EXPECT_LE(t[d], t[d - 1]);
-        }
-    }
-}
+// ---- weight table (the byte one is checked exactly through the byte cases) -----
 
 TEST(GuideWeights, LinearTableFollowsTheExponentialAndEndsAtZero) {
     for (float p : {0.05f, 9.0f, 2000.0f}) {

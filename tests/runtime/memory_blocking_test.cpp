@@ -34,14 +34,6 @@ TEST(MemoryBudget, TrialAllocation) {
     EXPECT_FALSE(testMemAlloc(1 << 28, 1 << 20, 1));
 }
 
-TEST(Blocking, RoundingHelpers) {
-    EXPECT_EQ(MAKEM16(32), 32);
-    EXPECT_EQ(MAKEM16(33), 48);
-    EXPECT_EQ(MAKEM16(0), 0);
-    EXPECT_EQ(MAKEM2(7), 8);
-    EXPECT_EQ(MAKEM2(8), 8);
-}
-
 TEST(Blocking, PixelOverlapBranches) {
     int len = 0, stride = 0;
     // Up to 1.25 blocks: one block of the whole length.

@@ -76,10 +76,6 @@ class StageProgress : public ::testing::Test {
     void TearDown() override { g->setup(nullptr, nullptr, 0.0f); }
 };
 
-TEST_F(StageProgress, SingletonIsCreatedOnce) {
-    EXPECT_EQ(CProgMsgGlobal::Inst(), g);
-}
-
 TEST_F(StageProgress, TwoHalvesReportHalfThenAll) {
     g->progStart(0.5f);
     g->progDone();
