@@ -16,6 +16,19 @@
    So 0 and 2 enter as background, 1 and 3 as foreground, 2, 3 and every
    byte of 4 or more as hard constraints.
 
+   From a rectangle to a brush map for rkKeepCutToAlpha (what the tool's
+   `keepcut cutout` does):
+     1. mask: 2 (hard background) outside the rectangle, 1 (probable
+        foreground) inside; rkGrabCut, and again after each stroke (3 for
+        hard foreground, 2 for hard background).
+     2. A selected pixel now has bit 0 set in `mask` (it got its entry byte
+        back). rkGrabCutEdgeGen reads the selection as 254 or 255 in
+        `brushInfo`, so write 254 where bit 0 is set and 0 elsewhere first.
+     3. rkGrabCutEdgeGen(request, band width): `mask` becomes 0 / 126 / 254.
+     4. rkGrabCutDeleteBuf: ends the session and recodes `mask` (and
+        `brushInfo`) to 1 (cut) / 126 (band) / 255 (keep), the brush map.
+     Deleting the session before step 3 recodes the selection's 1 bytes as
+     painted cut, so the trimap would have no band.
    Session: the handle in grabCutBuf is the only pointer these entries hand
    out. It is made by the first rkGrabCut that finds grabCutBuf null (or by
    rkGrabCutCreateBuf), keeps the colour models and the cut's own mask
