@@ -3,6 +3,7 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "pipeline/fg_multilevel.h"
 #include "progress_bar.h"
 
 namespace {
@@ -76,4 +77,8 @@ cv::Mat matteFromMask(const cv::Mat& mask) {
     rkMapToMatte(mask.data, static_cast<int>(mask.step), out.data, static_cast<int>(out.step),
                  mask.cols, mask.rows);
     return out;
+}
+
+cv::Mat cutoutColours(const cv::Mat& picture, const cv::Mat& alpha) {
+    return foregroundBytesMultiLevel(picture, alpha);
 }

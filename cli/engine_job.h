@@ -41,3 +41,9 @@ int runMainEntry(RKPSStructMsk2 r, int hiResPass);
 
 // The 8-bit matte in a finished mask map: painted cut reads as 0.
 cv::Mat matteFromMask(const cv::Mat& mask);
+
+// Foreground colours for the tool's cut-outs (B,G,R), estimated over the
+// whole picture (B,G,R or B,G,R,x) at full resolution from its final 8-bit
+// matte by the multi-level estimator: with the same matte it reproduces the
+// picture better than the engine's reduced-scale recovery, in less time.
+cv::Mat cutoutColours(const cv::Mat& picture, const cv::Mat& alpha);

@@ -115,14 +115,12 @@ CutoutResult cutOut(const cv::Mat& pictureBgr, const cv::Rect& rect, int band) {
     // maps hold the brush map.
     out.map.copyTo(job.mask);
     out.map.copyTo(job.brushInfo);
-    RKPSStructMsk2 r = job.r;
-    r.recoverForeground = true;
-    const int rc = runMainEntry(r, 0);
+    const int rc = runMainEntry(job.r, 0);
     if (rc != 1) {
         std::fprintf(stderr, "%s\n", getErrMsg());
         throw ToolError("the engine failed with code " + std::to_string(rc));
     }
     out.alpha = matteFromMask(job.mask);
-    out.colours = job.foregroundBgr();
+    out.colours = cutoutColours(pictureBgr, out.alpha);
     return out;
 }

@@ -52,11 +52,11 @@ class GrabCutSelection {
 // What the whole road gives for a picture.
 struct CutoutResult {
     cv::Mat alpha;    // 8-bit matte
-    cv::Mat colours;  // recovered foreground colours, B,G,R
+    cv::Mat colours;  // foreground colours (cutoutColours), B,G,R
     cv::Mat map;      // the brush map handed to the main entry
 };
 
-// Rectangle -> GrabCut -> band of `band` pixels -> main entry with foreground
-// recovery, on an 8-bit B,G,R picture. Throws ToolError (after printing the
+// Rectangle -> GrabCut -> band of `band` pixels -> main entry -> foreground
+// colours from the matte, on an 8-bit B,G,R picture. Throws ToolError (after printing the
 // engine's message log) when an entry fails.
 CutoutResult cutOut(const cv::Mat& pictureBgr, const cv::Rect& rect, int band);

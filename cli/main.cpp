@@ -17,9 +17,10 @@ int main(int argc, char** argv) {
         ->required();
     matte->add_option("-o,--output", m.alphaOut, "where to write the 8-bit matte")->required();
     matte->add_option("--cutout", m.cutoutOut,
-                      "also write an RGBA cut-out (recovered colours, straight alpha) here");
+                      "also write an RGBA cut-out (straight alpha; colours estimated at full "
+                      "resolution from the matte, multi-level) here");
     matte->add_option("--foreground", m.foregroundOut,
-                      "also write the recovered foreground colours here");
+                      "also write the foreground colours (as in --cutout) here");
     matte->add_flag("--hires", m.hires, "the engine's high-resolution pass");
     matte->add_flag("--full", m.full, "solve the whole picture at full resolution (slow, exact)");
     matte->add_flag("--map", m.brushMap, "TRIMAP is an engine brush map, not a trimap");
@@ -45,7 +46,8 @@ int main(int argc, char** argv) {
         ->add_option("-o,--output", b.outDir,
                      "folder for NAME.png (the 8-bit matte of picture NAME.*); created if need be")
         ->required();
-    batch->add_flag("--cutout", b.cutout, "also write NAME-cutout.png, an RGBA cut-out");
+    batch->add_flag("--cutout", b.cutout,
+                    "also write NAME-cutout.png, an RGBA cut-out (colours as matte --cutout)");
     batch->add_flag("--hires", b.hires, "the engine's high-resolution pass");
 
     BandOptions band;
@@ -72,7 +74,8 @@ int main(int argc, char** argv) {
     cutout->add_option("--rect", c.rect, "rectangle around the subject: X,Y,W,H (sides over 10)")
         ->required();
     cutout
-        ->add_option("-o,--output", c.cutoutOut, "where to write the RGBA cut-out (straight alpha)")
+        ->add_option("-o,--output", c.cutoutOut,
+                     "where to write the RGBA cut-out (straight alpha; colours as matte --cutout)")
         ->required();
     cutout->add_option("--matte", c.matteOut, "also write the 8-bit matte here");
     cutout->add_option("--map", c.mapOut,
@@ -88,7 +91,9 @@ int main(int argc, char** argv) {
         app.add_subcommand("session", "replay a masking session (a JSON list of operations)");
     session->add_option("PICTURE", s.picture, "picture (8- or 16-bit, grey or colour)")->required();
     session->add_option("SCRIPT", s.script, "the session: a JSON list of operations")->required();
-    session->add_option("-o,--output", s.outDir, "directory for map.png, matte.png, cutout.png")
+    session
+        ->add_option("-o,--output", s.outDir,
+                     "directory for map.png, matte.png, cutout.png (colours as matte --cutout)")
         ->required();
     session->add_option("--map", s.map, "brush map to start from (default: all band)");
 

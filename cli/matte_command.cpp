@@ -28,26 +28,10 @@ void runEngine(const MatteOptions& o, EngineJob& job) {
     r.cellMode = o.cellMode >= 0 ? o.cellMode : (o.hasRegion ? 1 : 0);
     // 2 leaves the computed region as it is.
     r.mergeMode = o.merge == "add" ? 1 : o.merge == "subtract" ? 0 : 2;
-    r.recoverForeground = !o.cutoutOut.empty() || !o.foregroundOut.empty();
     const int rc = runMainEntry(r, o.hires ? 1 : 0);
     if (rc != 1) {
         std::fprintf(stderr, "%s\n", getErrMsg());
         throw ToolError("the engine failed with code " + std::to_string(rc));
-    }
-}
-
-// Recovers foreground colours for a matte that the full solve produced, as a
-// whole-picture job over a map that holds the matte and the painted trimap.
-void recoverAfterFullSolve(const cv::Mat& trimap, const cv::Mat& alpha, EngineJob& job) {
-    const cv::Mat painted = brushMapFromTrimap(trimap);
-    job.mask = alpha & cv::Scalar(0xFE);  // computed alpha is even
-    painted.copyTo(job.mask, (trimap == 0) | (trimap == 255));
-    RKPSStructMsk2 r = job.r;
-    clearErrMsg();
-    const int rc = rkRecoverForegroundCell(&r, false);
-    if (rc != 1) {
-        std::fprintf(stderr, "%s\n", getErrMsg());
-        throw ToolError("foreground recovery failed with code " + std::to_string(rc));
     }
 }
 
@@ -66,17 +50,17 @@ MatteSummary matteOnePair(const MatteOptions& o) {
         if (o.brushMap || o.hasRegion)
             throw ToolError("--full takes a trimap of the whole picture");
         alpha = solveFullResolution(picture, trimap);
-        if (wantColours) recoverAfterFullSolve(trimap, alpha, job);
     } else {
         runEngine(o, job);
         alpha = matteFromMask(job.mask);
     }
+    const cv::Mat colours = wantColours ? cutoutColours(picture, alpha) : cv::Mat();
     const double seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 
     writeImage(o.alphaOut, alpha);
-    if (!o.cutoutOut.empty()) writeImage(o.cutoutOut, makeCutout(job.foregroundBgr(), alpha));
-    if (!o.foregroundOut.empty()) writeImage(o.foregroundOut, job.foregroundBgr());
+    if (!o.cutoutOut.empty()) writeImage(o.cutoutOut, makeCutout(colours, alpha));
+    if (!o.foregroundOut.empty()) writeImage(o.foregroundOut, colours);
     return {picture.size(), seconds};
 }
 

@@ -89,7 +89,8 @@ class Session {
         const cv::Mat alpha = matteFromMask(job_.mask);
         writeImage((dir_ / "map.png").string(), job_.mask);
         writeImage((dir_ / "matte.png").string(), alpha);
-        writeImage((dir_ / "cutout.png").string(), makeCutout(job_.foregroundBgr(), alpha));
+        writeImage((dir_ / "cutout.png").string(),
+                   makeCutout(cutoutColours(job_.image, alpha), alpha));
     }
 
   private:
