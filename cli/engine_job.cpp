@@ -3,7 +3,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "pipeline/fg_multilevel.h"
+#include "image_io.h"
 #include "progress_bar.h"
 
 namespace {
@@ -80,5 +80,18 @@ cv::Mat matteFromMask(const cv::Mat& mask) {
 }
 
 cv::Mat cutoutColours(const cv::Mat& picture, const cv::Mat& alpha) {
-    return foregroundBytesMultiLevel(picture, alpha);
+    // The library's entry, as a host calls it: 4-byte pixels in, in place.
+    cv::Mat bgra;
+    if (picture.channels() == 4)
+        bgra = picture.clone();
+    else
+        cv::cvtColor(picture, bgra, cv::COLOR_BGR2BGRA);
+    const cv::Mat matte = alpha.isContinuous() ? alpha : alpha.clone();
+    const int rc = rkEstimateForeground(bgra.data, static_cast<int>(bgra.step), matte.data,
+                                        static_cast<int>(matte.step), bgra.data,
+                                        static_cast<int>(bgra.step), bgra.cols, bgra.rows);
+    if (rc != 1) throw ToolError("the foreground estimate failed with code " + std::to_string(rc));
+    cv::Mat bgr;
+    cv::cvtColor(bgra, bgr, cv::COLOR_BGRA2BGR);
+    return bgr;
 }

@@ -74,7 +74,6 @@ gboolean runMatte(gint32 image, gint32 layer, const MatteArgs* args, GString* er
         goto done;
     }
     readPicture(layer, w, h, rgba, bgrx);
-    memcpy(foreground, bgrx, n * 4);  // the host fills the foreground with the picture
     readTrimap(args->trimap, &trimapArea, mask);
     for (gsize i = 0; i < n; ++i)
         mask[i] = mask[i] == 0 ? RK_MASK_CUT : mask[i] == 255 ? RK_MASK_KEEP : KC_BAND_START;
@@ -86,14 +85,11 @@ gboolean runMatte(gint32 image, gint32 layer, const MatteArgs* args, GString* er
     r.imageRowBytes = w * 4;
     r.mask = mask;
     r.maskRowBytes = w;
-    r.foreground = foreground;
-    r.foregroundRowBytes = w * 4;
     r.brushInfo = brushInfo;
     r.brushInfoRowBytes = w;
     r.width = r.roiWidth = w;
     r.height = r.roiHeight = h;
     r.mergeMode = KC_MERGE_AS_COMPUTED;
-    r.recoverForeground = args->recover != 0;
     r.progProc = progressToGimp;
     r.progData = &r;  // any non-null pointer: without one no progress is reported
 
@@ -106,6 +102,16 @@ gboolean runMatte(gint32 image, gint32 layer, const MatteArgs* args, GString* er
         goto done;
     }
     rkMapToMatte(mask, w, mask, w, w, h);
+    /* Colours estimated for the final matte at full resolution, as the tool's
+       cut-outs get them. */
+    if (args->recover) {
+        const int fc = rkEstimateForeground(bgrx, w * 4, mask, w, foreground, w * 4, w, h);
+        if (fc != 1) {
+            g_string_printf(error, "the foreground estimate failed with code %d: %s", fc,
+                            lastEngineMessage());
+            goto done;
+        }
+    }
 
     const Area all = {0, 0, w, h};
     gimp_image_undo_group_start(image);

@@ -103,6 +103,8 @@ _PROTOTYPES = {
     "getErrMsg": (ctypes.c_char_p, []),
     "rkKeepCutToAlpha": (_int, [_req, _int, _bool]),
     "rkMapToMatte": (_int, [c_ubyte_p, _int, c_ubyte_p, _int, _int, _int]),
+    "rkEstimateForeground": (_int, [c_ubyte_p, _int, c_ubyte_p, _int, c_ubyte_p, _int, _int,
+                                    _int]),
     "rkRecoverForegroundCell": (_int, [_req, _bool]),
     "rkScaleAlpha": (_int, [c_ubyte_p, _int, _int, _int, _uint8, _uint8, _int]),
     "rkShowImageAlpha": (_int, [c_ubyte_p, _int, _int, _int, c_ubyte_p, _int, _uint8, _uint8,

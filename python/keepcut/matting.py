@@ -23,18 +23,25 @@ def brush_map(trimap, size=None):
     return m
 
 
-def _compute(image, trimap, hires, progress, recover, is_map):
+def _compute(image, trimap, hires, progress, is_map):
     picture = A.bgrx(image)
     size = picture.shape[:2]
     mask = A.as_bytes(trimap, "map", size=size).copy() if is_map else brush_map(trimap, size)
-    foreground = picture.copy()  # a host starts it as the picture
-    req = A.request(picture, mask, foreground, mask.copy(), recoverForeground=recover)
+    req = A.request(picture, mask, None, mask.copy())
     with reporting(req, progress):
         call("rkKeepCutToAlpha", ctypes.byref(req), 1 if hires else 0, False)
     alpha = np.empty_like(mask)
     call("rkMapToMatte", A.ptr(mask), A.step(mask), A.ptr(alpha), A.step(alpha),
          mask.shape[1], mask.shape[0])
-    return alpha, foreground
+    return picture, alpha
+
+
+def _foreground(picture, alpha):
+    """B,G,R,x foreground colours of a B,G,R,x picture for a uint8 alpha."""
+    foreground = picture.copy()
+    call("rkEstimateForeground", A.ptr(picture), A.step(picture), A.ptr(alpha), A.step(alpha),
+         A.ptr(foreground), A.step(foreground), alpha.shape[1], alpha.shape[0])
+    return foreground
 
 
 def matte(image, trimap, hires=False, progress=None, is_map=False):
@@ -42,27 +49,22 @@ def matte(image, trimap, hires=False, progress=None, is_map=False):
     float 0..1 both), or for an engine brush map when is_map is true (as
     GrabCutSession.edge gives). hires asks for the full-resolution pass;
     progress, if given, is called as progress(current, total)."""
-    return _compute(image, trimap, hires, progress, False, is_map)[0]
+    return _compute(image, trimap, hires, progress, is_map)[1]
 
 
 def cutout(image, trimap, hires=False, progress=None, is_map=False):
-    """HxWx4 RGBA cut-out: recovered foreground colours and straight alpha."""
-    alpha, foreground = _compute(image, trimap, hires, progress, True, is_map)
-    return np.dstack((foreground[..., 2::-1], alpha))
+    """HxWx4 RGBA cut-out: foreground colours estimated for the matte, and
+    straight alpha (what the tool's cut-outs hold)."""
+    picture, alpha = _compute(image, trimap, hires, progress, is_map)
+    return np.dstack((_foreground(picture, alpha)[..., 2::-1], alpha))
 
 
 def estimate_foreground(image, alpha):
-    """HxWx3 RGB foreground colours recovered for a known alpha (uint8 or
-    float 0..1); where alpha is 0 or 255 the picture's own colour stays."""
+    """HxWx3 RGB foreground colours for a known alpha (uint8 or float 0..1),
+    estimated at full resolution from coarse to fine (as the tool does)."""
     picture = A.bgrx(image)
-    a = A.as_bytes(alpha, "alpha", size=picture.shape[:2])
-    mask = a & 0xFE  # computed alpha is even; the ends count as painted
-    mask[a == 0] = CUT
-    mask[a == 255] = KEEP
-    foreground = picture.copy()
-    req = A.request(picture, mask, foreground, mask)
-    call("rkRecoverForegroundCell", ctypes.byref(req), False)
-    return foreground[..., 2::-1].copy()
+    a = np.ascontiguousarray(A.as_bytes(alpha, "alpha", size=picture.shape[:2]))
+    return _foreground(picture, a)[..., 2::-1].copy()
 
 
 def mask_alpha(image, alpha, high_code=255, low_code=0, out_high=255, out_low=0, load=0.0):

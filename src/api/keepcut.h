@@ -285,6 +285,22 @@ KC_EXPORT int recoverBrushInfo(RKPSStructMsk2* request);
    colour solve failed (see the conventions above). */
 KC_EXPORT int rkRecoverForegroundCell(RKPSStructMsk2* request, bool cellJob);
 
+/* The foreground colours of a whole picture for a given matte, estimated at
+   full resolution from coarse to fine (what the tool's cut-outs use; it is
+   not the recovery rkKeepCutToAlpha runs). image and foreground are 4 bytes
+   per pixel (B, G, R, fourth byte), alpha 1 byte (0..255, e.g. from
+   rkMapToMatte), all width x height with their own row bytes; only the three
+   colour bytes of foreground are written, and foreground may be image
+   itself. Where alpha is 0 the colour is extrapolated from the nearby
+   foreground, so a straight-alpha cut-out has no dark fringe. Memory: about
+   46 bytes per pixel while it runs. Returns 1; -2 (with a log line, nothing
+   written) for a null buffer, a negative size or rows shorter than the
+   width; -6 when memory ran out. */
+KC_EXPORT int rkEstimateForeground(const unsigned char* image, int imageRowBytes,
+                                   const unsigned char* alpha, int alphaRowBytes,
+                                   unsigned char* foreground, int foregroundRowBytes, int width,
+                                   int height);
+
 /* Computes alpha and recovers the foreground over the whole picture in tiles
    of 130 x 130 at a stride of 100: every tile with mask bytes strictly
    between 5 and 250 runs as a region job (rkKeepCutToAlpha with cellMode 4

