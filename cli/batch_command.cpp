@@ -92,9 +92,10 @@ int runBatch(const BatchOptions& o) {
                 m.cutoutOut =
                     (fs::path(o.outDir) / (picture.stem().string() + "-cutout.png")).string();
             m.hires = o.hires;
+            m.coarse = o.coarse;
             const MatteSummary done = matteOnePair(m);
-            std::printf("  matte %dx%d in %.2f s -> %s\n", done.size.width, done.size.height,
-                        done.seconds, m.alphaOut.c_str());
+            std::printf("  matte %dx%d by the %s in %.2f s -> %s\n", done.size.width,
+                        done.size.height, done.mode, done.seconds, m.alphaOut.c_str());
         } catch (const std::exception& e) {
             // ToolError says what is wrong with the pair; anything else (a
             // failed allocation, an OpenCV error) is as much the pair's fault.

@@ -11,9 +11,10 @@ struct MatteOptions {
     std::string alphaOut;
     std::string cutoutOut;
     std::string foregroundOut;  // recovered foreground colours
-    bool hires = false;         // the main entry's high-resolution pass
-    bool full = false;          // one full-resolution solve instead of the main entry
-    bool brushMap = false;      // TRIMAP is already an engine brush map
+    bool hires = false;   // the main entry's high-resolution pass (the default for whole pictures)
+    bool coarse = false;  // the main entry's coarse pass (the default for regions)
+    bool full = false;    // one full-resolution solve instead of the main entry
+    bool brushMap = false;  // TRIMAP is already an engine brush map
     bool hasRegion = false;
     std::array<int, 4> region{};  // x, y, w, h
     int cellMode = -1;            // -1: 0 for whole pictures, 1 for regions
@@ -24,6 +25,7 @@ struct MatteOptions {
 struct MatteSummary {
     cv::Size size;
     double seconds = 0;
+    const char* mode = "";  // which computation ran
 };
 
 struct BatchOptions {
@@ -32,6 +34,7 @@ struct BatchOptions {
     std::string outDir;
     bool cutout = false;  // also write <stem>-cutout.png
     bool hires = false;
+    bool coarse = false;
 };
 
 struct BandOptions {

@@ -115,7 +115,9 @@ CutoutResult cutOut(const cv::Mat& pictureBgr, const cv::Rect& rect, int band) {
     // maps hold the brush map.
     out.map.copyTo(job.mask);
     out.map.copyTo(job.brushInfo);
-    const int rc = runMainEntry(job.r, 0);
+    // The high-resolution pass, as `keepcut matte` runs whole pictures by
+    // default (see there for the measurements behind it).
+    const int rc = runMainEntry(job.r, 1);
     if (rc != 1) {
         std::fprintf(stderr, "%s\n", getErrMsg());
         throw ToolError("the engine failed with code " + std::to_string(rc));

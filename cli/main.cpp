@@ -21,8 +21,15 @@ int main(int argc, char** argv) {
                       "resolution from the matte, multi-level) here");
     matte->add_option("--foreground", m.foregroundOut,
                       "also write the foreground colours (as in --cutout) here");
-    matte->add_flag("--hires", m.hires, "the engine's high-resolution pass");
-    matte->add_flag("--full", m.full, "solve the whole picture at full resolution (slow, exact)");
+    CLI::Option* hires = matte->add_flag(
+        "--hires", m.hires, "the engine's high-resolution pass (the default for whole pictures)");
+    CLI::Option* coarse = matte->add_flag(
+        "--coarse", m.coarse,
+        "the engine's coarse pass (fastest on small pictures; the default for regions)");
+    matte->add_flag("--full", m.full, "solve the whole picture at full resolution (slow, exact)")
+        ->excludes(hires)
+        ->excludes(coarse);
+    hires->excludes(coarse);
     matte->add_flag("--map", m.brushMap, "TRIMAP is an engine brush map, not a trimap");
     matte->add_option("--region", m.region, "compute only this region: X,Y,W,H")
         ->delimiter(',')
@@ -48,7 +55,8 @@ int main(int argc, char** argv) {
         ->required();
     batch->add_flag("--cutout", b.cutout,
                     "also write NAME-cutout.png, an RGBA cut-out (colours as matte --cutout)");
-    batch->add_flag("--hires", b.hires, "the engine's high-resolution pass");
+    batch->add_flag("--hires", b.hires, "the engine's high-resolution pass (the default)")
+        ->excludes(batch->add_flag("--coarse", b.coarse, "the engine's coarse pass"));
 
     BandOptions band;
     CLI::App* bandCmd = app.add_subcommand(

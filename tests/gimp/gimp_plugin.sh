@@ -12,7 +12,7 @@ gimp=$1 system_plugins=$2 our_plugins=$3 tool=$4 compare=$5 work=$6
 rm -rf "$work" && mkdir -p "$work"
 
 "$tool" demo --size 160 -o "$work/sample" > /dev/null
-"$tool" matte "$work/sample/picture.png" "$work/sample/trimap.png" -o "$work/tool_alpha.png" \
+"$tool" matte "$work/sample/picture.png" "$work/sample/trimap.png" -o "$work/tool_alpha.png" --coarse \
   --foreground "$work/tool_foreground.png" > /dev/null
 "$tool" matte "$work/sample/picture.png" "$work/sample/trimap.png" -o "$work/tool_alpha_hires.png" \
   --hires > /dev/null

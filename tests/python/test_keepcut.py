@@ -68,7 +68,7 @@ def test_matte_and_cutout_equal_the_tool(tmp_path, hires):
     (tmp_path / "p.ppm").write_bytes(b"P6 %d %d 255\n" % (w, h) + rgb.tobytes())
     (tmp_path / "t.pgm").write_bytes(b"P5 %d %d 255\n" % (w, h) + trimap.tobytes())
     run = [TOOL, "matte", str(tmp_path / "p.ppm"), str(tmp_path / "t.pgm")]
-    run += ["--hires"] if hires else []
+    run += ["--hires"] if hires else ["--coarse"]
     subprocess.run(run + ["-o", str(tmp_path / "a.pgm")], check=True, capture_output=True)
     subprocess.run(run + ["-o", str(tmp_path / "ac.pgm"), "--foreground",
                           str(tmp_path / "f.ppm")], check=True, capture_output=True)
