@@ -33,17 +33,15 @@ constexpr int kMaxRadius = 16383;
 // Farthest coordinate a thick stroke reaches in this target.
 constexpr int kFarThick = 1000000;
 
-struct MapBuffer {
-    GuardedBuffer buf;
-    bool null;
-    MapBuffer(FuzzInput& in, int width, int height, long long step)
-        : buf(width, height, 1, step, in.range(0, 3)), null(in.rarely(kBrokenOdds)) {
+struct MapBuffer : HostBuffer {
+    MapBuffer(FuzzInput& in, int width, int height)
+        : HostBuffer(width, height, 1,
+                     decodePaddedLayout(in, width, 1, kMaxStepPadding, 2, kBrokenOdds)) {
         Noise noise(in.dword());
         buf.fill([&](int, int, int) { return static_cast<unsigned char>(noise.next() >> 11); });
         buf.snapshot();
     }
-    bool refused() const { return null || !buf.valid(); }
-    unsigned char* ptr() { return null ? nullptr : buf.data(); }
+    bool refused() const { return !usable(); }
     // The map as it was before the call, as a matrix.
     cv::Mat before(int width, int height) const {
         cv::Mat m(height, width, CV_8UC1);
@@ -52,12 +50,6 @@ struct MapBuffer {
         return m;
     }
 };
-
-long long drawStep(FuzzInput& in, int width) {
-    long long step = width + in.range(0, kMaxStepPadding);
-    if (in.rarely(kBrokenOdds)) step -= in.range(1, 2);
-    return step;
-}
 
 // Mostly near the map, sometimes far outside or at the int range's ends.
 int drawCoordinate(FuzzInput& in) {
@@ -81,12 +73,8 @@ int limitRadius(int radius, std::initializer_list<int> coordinates) {
     return radius;
 }
 
-std::string where(int x, int y) {
-    return " at (" + std::to_string(x) + ", " + std::to_string(y) + ")";
-}
-
 void fuzzDrawLine(FuzzInput& in, int width, int height) {
-    MapBuffer map(in, width, height, drawStep(in, width));
+    MapBuffer map(in, width, height);
     const int x0 = drawCoordinate(in), y0 = drawCoordinate(in);
     const int x1 = drawCoordinate(in), y1 = drawCoordinate(in);
     const int radius = limitRadius(drawRadius(in), {x0, y0, x1, y1});
@@ -97,12 +85,11 @@ void fuzzDrawLine(FuzzInput& in, int width, int height) {
     const int result = rkDrawLine8u(map.ptr(), map.buf.rowBytes(), width, height, x0, y0, x1, y1,
                                     radius, brushType, value);
     requireResult(kDrawLineResults, result, mustRefuse);
-    requireLoggedFailure("rkDrawLine8u", result);
     if (result != 1) {
         requireNone(map.buf.unexpectedChange("map"));
         return;
     }
-    requireNone(map.buf.unexpectedChange("map", [](int, int, int) { return true; }));
+    requireNone(map.buf.unexpectedChange("map", anyPixel));
     const unsigned char codes[4] = {1, 255, 126, static_cast<unsigned char>(value | 1)};
     const unsigned char code = brushType < 4 ? codes[brushType] : 0;
     if (width == 0 || height == 0) return;
@@ -111,12 +98,12 @@ void fuzzDrawLine(FuzzInput& in, int width, int height) {
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             require(map.buf.cur(x, y) == want.at<unsigned char>(y, x),
-                    "rkDrawLine8u differs from the thick line" + where(x, y));
+                    "rkDrawLine8u differs from the thick line" + at(x, y));
 }
 
 void fuzzGradientLine(FuzzInput& in, int width, int height) {
-    MapBuffer map(in, width, height, drawStep(in, width));
-    MapBuffer aux(in, width, height, drawStep(in, width));
+    MapBuffer map(in, width, height);
+    MapBuffer aux(in, width, height);
     const int x0 = drawCoordinate(in), y0 = drawCoordinate(in);
     // Axis-parallel strokes now and then, which paint only the start disc.
     const int x1 = in.rarely(6) ? x0 : drawCoordinate(in);
@@ -128,13 +115,12 @@ void fuzzGradientLine(FuzzInput& in, int width, int height) {
     rkDrawGradientLine8u(map.ptr(), map.buf.rowBytes(), width, height, aux.ptr(),
                          aux.buf.rowBytes(), x0, y0, x1, y1, radius, startValue, endValue);
     if (mustRefuse) {
-        require(getErrMsg()[0] != '\0', "a refused rkDrawGradientLine8u left no log line");
+        requireLogged("rkDrawGradientLine8u");
         requireNone(map.buf.unexpectedChange("map"));
         requireNone(aux.buf.unexpectedChange("aux"));
         return;
     }
     require(getErrMsg()[0] == '\0', "rkDrawGradientLine8u logged on sound arguments");
-    const auto anyPixel = [](int, int, int) { return true; };
     requireNone(map.buf.unexpectedChange("map", anyPixel));
     requireNone(aux.buf.unexpectedChange("aux", anyPixel));
     if (width == 0 || height == 0) return;
@@ -152,19 +138,19 @@ void fuzzGradientLine(FuzzInput& in, int width, int height) {
             const int auxWas = aux.buf.old(x, y), auxNow = aux.buf.cur(x, y);
             if (!under.at<unsigned char>(y, x)) {
                 require(now == was && auxNow == auxWas,
-                        "rkDrawGradientLine8u changed a pixel off the stroke" + where(x, y));
+                        "rkDrawGradientLine8u changed a pixel off the stroke" + at(x, y));
                 continue;
             }
             if (disc) {
                 require(now == startValue && auxNow == auxWas,
-                        "the axis-parallel disc is not the start value" + where(x, y));
+                        "the axis-parallel disc is not the start value" + at(x, y));
                 continue;
             }
             const bool cap = now == (was & ~1) && auxNow == 0;
             // Truncating a blend of equal ends may land one below them.
             const bool ramp =
                 (now & 1) && now >= lowest - 1 && now <= (highest | 1) && auxNow == auxWas;
-            require(cap || ramp, "a gradient pixel is neither cap nor ramp" + where(x, y));
+            require(cap || ramp, "a gradient pixel is neither cap nor ramp" + at(x, y));
             if (x == x0 && y == y0) require(now == (startValue | 1), "the start lost its value");
             if (x == x1 && y == y1) require(now == (endValue | 1), "the end lost its value");
         }
@@ -175,12 +161,7 @@ void fuzzGradientLine(FuzzInput& in, int width, int height) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzInput in(data, size);
     const bool gradient = in.flag();
-    int width = in.range(0, kMaxSide), height = in.range(0, kMaxSide);
-    if (in.rarely(kBrokenOdds)) width = in.range(-3, -1);
-    if (in.rarely(kBrokenOdds)) height = in.range(-3, -1);
-    if (gradient)
-        fuzzGradientLine(in, width, height);
-    else
-        fuzzDrawLine(in, width, height);
+    const Size s = decodeSize(in, kMaxSide, kBrokenOdds);
+    (gradient ? fuzzGradientLine : fuzzDrawLine)(in, s.w, s.h);
     return 0;
 }

@@ -30,6 +30,14 @@ inline void requireNone(const std::string& problem) {
     if (!problem.empty()) fail(problem);
 }
 
+// A refused call of an entry without a result must still log why.
+inline void requireLogged(const char* entry) {
+    require(getErrMsg()[0] != '\0', std::string("a refused ") + entry + " left no log line");
+}
+inline std::string at(int x, int y) {
+    return " at (" + std::to_string(x) + ", " + std::to_string(y) + ")";
+}
+
 // Results each entry documents in the public header.
 struct DocumentedResults {
     const char* entry;
@@ -48,21 +56,15 @@ inline const DocumentedResults kSolverResults{"pardisoSolverOOC", {1, 0, -2, -6,
 inline constexpr int kRefused = -2;
 
 // The result is documented, and it is a refusal exactly when the arguments
-// were ones the header says are refused.
+// were ones the header says are refused. With the log cleared before the
+// call, every failure, a refusal included, must leave a line that explains it.
 inline void requireResult(const DocumentedResults& doc, int result, bool mustRefuse) {
     const std::string call = std::string(doc.entry) + " returned " + std::to_string(result);
     require(std::find(doc.codes.begin(), doc.codes.end(), result) != doc.codes.end(),
             call + ", not a documented result");
     if (mustRefuse) require(result == kRefused, call + " for arguments it must refuse");
     if (!mustRefuse) require(result != kRefused, call + " (refused) for sound arguments");
-}
-
-// Call with the log cleared first; every failure, a refusal included, must
-// leave a line that explains it.
-inline void requireLoggedFailure(const char* entry, int result) {
-    if (result != 1)
-        require(getErrMsg()[0] != '\0',
-                std::string(entry) + " returned " + std::to_string(result) + " without a log line");
+    if (result != 1) require(getErrMsg()[0] != '\0', call + " without a log line");
 }
 
 // The host's progress callback: it must only ever see the data pointer of

@@ -47,38 +47,17 @@ int scaled(int a, int hi, int lo) {
     return roundShift(static_cast<long long>(std::max(a - lo, 0)) * k, 5);
 }
 
-struct Layout {
-    int width, height;
-};
-
-// Row step and start offset of a host buffer, read in a fixed order.
-struct Placement {
-    long long step;
-    int misalign;
-    static Placement read(FuzzInput& in, int width, int pixelBytes) {
-        long long step = static_cast<long long>(width) * pixelBytes + in.range(0, kMaxStepPadding);
-        if (in.rarely(kBrokenOdds)) step -= in.range(1, pixelBytes + 1);
-        const int misalign = in.range(0, 3);
-        return {step, misalign};
-    }
-};
-
 // A host buffer of the drawn size, filled with noise, with an occasionally
 // broken step, or null.
-struct HostBuffer {
-    GuardedBuffer buf;
-    bool null;
-    HostBuffer(FuzzInput& in, Layout l, int pixelBytes)
-        : HostBuffer(in, l, pixelBytes, Placement::read(in, l.width, pixelBytes)) {}
-    bool refused() const { return null || !buf.valid(); }
-    unsigned char* ptr() { return null ? nullptr : buf.data(); }
-
-  private:
-    HostBuffer(FuzzInput& in, Layout l, int pixelBytes, Placement p)
-        : buf(l.width, l.height, pixelBytes, p.step, p.misalign), null(in.rarely(kBrokenOdds)) {
+struct NoiseBuffer : HostBuffer {
+    NoiseBuffer(FuzzInput& in, Size l, int pixelBytes)
+        : HostBuffer(l.w, l.h, pixelBytes,
+                     decodePaddedLayout(in, l.w, pixelBytes, kMaxStepPadding, pixelBytes + 1,
+                                        kBrokenOdds)) {
         Noise noise(in.dword());
         buf.fill([&](int, int, int) { return static_cast<unsigned char>(noise.next() >> 7); });
     }
+    bool refused() const { return !usable(); }
 };
 
 // A map whose bytes favour the codes: keep, cut, 0, odd and even values.
@@ -92,8 +71,8 @@ void paintMap(FuzzInput& in, GuardedBuffer& map) {
     });
 }
 
-void fuzzShowImageAlpha(FuzzInput& in, Layout l) {
-    HostBuffer image(in, l, kPictureBytes), mask(in, l, 1);
+void fuzzShowImageAlpha(FuzzInput& in, Size l) {
+    NoiseBuffer image(in, l, kPictureBytes), mask(in, l, 1);
     paintMap(in, mask.buf);
     const int mode = in.rarely(8) ? in.range(-2, 9) : in.range(1, 6);
     const unsigned char hi = in.byte(), lo = in.rarely(6) ? hi : in.byte();
@@ -107,18 +86,17 @@ void fuzzShowImageAlpha(FuzzInput& in, Layout l) {
     mask.buf.snapshot();
     clearErrMsg();
     const int result =
-        rkShowImageAlpha(image.ptr(), image.buf.rowBytes(), l.width, l.height, mask.ptr(),
+        rkShowImageAlpha(image.ptr(), image.buf.rowBytes(), l.w, l.h, mask.ptr(),
                          mask.buf.rowBytes(), hi, lo, mode, nullColor ? nullptr : colorBytes);
     requireResult(kShowImageAlphaResults, result, mustRefuse);
-    requireLoggedFailure("rkShowImageAlpha", result);
     requireNone(mask.buf.unexpectedChange("mask"));
     if (result != 1) {
         requireNone(image.buf.unexpectedChange("image"));
         return;
     }
-    requireNone(image.buf.unexpectedChange("image", [](int, int, int) { return true; }));
-    for (int y = 0; y < l.height; ++y)
-        for (int x = 0; x < l.width; ++x) {
+    requireNone(image.buf.unexpectedChange("image", anyPixel));
+    for (int y = 0; y < l.h; ++y)
+        for (int x = 0; x < l.w; ++x) {
             const int m = mask.buf.cur(x, y);
             const int a = stretches ? scaled(m, hi, lo) : 0;
             for (int c = 0; c < kPictureBytes; ++c) {
@@ -152,24 +130,23 @@ void fuzzShowImageAlpha(FuzzInput& in, Layout l) {
         }
 }
 
-void fuzzScaleAlpha(FuzzInput& in, Layout l) {
-    HostBuffer alpha(in, l, 1);
+void fuzzScaleAlpha(FuzzInput& in, Size l) {
+    NoiseBuffer alpha(in, l, 1);
     paintMap(in, alpha.buf);
     const unsigned char hi = in.byte(), lo = in.rarely(6) ? hi : in.byte();
     const int keepPainted = in.flag() ? 0 : in.range(1, 255);
     alpha.buf.snapshot();
     clearErrMsg();
     const int result =
-        rkScaleAlpha(alpha.ptr(), alpha.buf.rowBytes(), l.width, l.height, hi, lo, keepPainted);
+        rkScaleAlpha(alpha.ptr(), alpha.buf.rowBytes(), l.w, l.h, hi, lo, keepPainted);
     requireResult(kScaleAlphaResults, result, alpha.refused() || hi == lo);
-    requireLoggedFailure("rkScaleAlpha", result);
     if (result != 1) {
         requireNone(alpha.buf.unexpectedChange("alpha"));
         return;
     }
-    requireNone(alpha.buf.unexpectedChange("alpha", [](int, int, int) { return true; }));
-    for (int y = 0; y < l.height; ++y)
-        for (int x = 0; x < l.width; ++x) {
+    requireNone(alpha.buf.unexpectedChange("alpha", anyPixel));
+    for (int y = 0; y < l.h; ++y)
+        for (int x = 0; x < l.w; ++x) {
             const int old = alpha.buf.old(x, y);
             int want = scaled(old, hi, lo);
             // Painted bytes survive keepPainted; the full range is never touched.
@@ -193,24 +170,23 @@ float drawWeight(FuzzInput& in) {
     return odd[in.range(0, 5)];
 }
 
-void fuzzKeepBlend(FuzzInput& in, Layout l) {
-    HostBuffer dst(in, l, kPictureBytes), src(in, l, kPictureBytes);
+void fuzzKeepBlend(FuzzInput& in, Size l) {
+    NoiseBuffer dst(in, l, kPictureBytes), src(in, l, kPictureBytes);
     const float w = drawWeight(in);
     const bool mustRefuse = dst.refused() || src.refused() || !std::isfinite(w);
     dst.buf.snapshot();
     src.buf.snapshot();
     clearErrMsg();
-    rkShowKeepBlend(dst.ptr(), dst.buf.rowBytes(), l.width, l.height, src.ptr(), src.buf.rowBytes(),
-                    w);
+    rkShowKeepBlend(dst.ptr(), dst.buf.rowBytes(), l.w, l.h, src.ptr(), src.buf.rowBytes(), w);
     requireNone(src.buf.unexpectedChange("src"));
     if (mustRefuse) {
-        require(getErrMsg()[0] != '\0', "a refused rkShowKeepBlend left no log line");
+        requireLogged("rkShowKeepBlend");
         requireNone(dst.buf.unexpectedChange("dst"));
         return;
     }
     requireNone(dst.buf.unexpectedChange("dst", [](int, int, int c) { return c < 3; }));
-    for (int y = 0; y < l.height; ++y)
-        for (int x = 0; x < l.width; ++x)
+    for (int y = 0; y < l.h; ++y)
+        for (int x = 0; x < l.w; ++x)
             for (int c = 0; c < 3; ++c) {
                 const float v = src.buf.cur(x, y, c) * w + dst.buf.old(x, y, c) * (1.0f - w);
                 const int want = v <= 0.0f ? 0 : v >= 255.0f ? 255 : static_cast<int>(v);
@@ -220,18 +196,17 @@ void fuzzKeepBlend(FuzzInput& in, Layout l) {
             }
 }
 
-void fuzzDesaturation(FuzzInput& in, Layout l) {
-    HostBuffer image(in, l, kPictureBytes), mask(in, l, 1);
+void fuzzDesaturation(FuzzInput& in, Size l) {
+    NoiseBuffer image(in, l, kPictureBytes), mask(in, l, 1);
     paintMap(in, mask.buf);
     const float s = in.rarely(4) ? 0.0f : drawWeight(in);
     const bool mustRefuse = image.refused() || mask.refused() || !std::isfinite(s);
     image.buf.snapshot();
     mask.buf.snapshot();
     clearErrMsg();
-    const int result = rkDesaturation(image.ptr(), image.buf.rowBytes(), l.width, l.height,
-                                      mask.ptr(), mask.buf.rowBytes(), s);
+    const int result = rkDesaturation(image.ptr(), image.buf.rowBytes(), l.w, l.h, mask.ptr(),
+                                      mask.buf.rowBytes(), s);
     requireResult(kDesaturationResults, result, mustRefuse);
-    requireLoggedFailure("rkDesaturation", result);
     requireNone(mask.buf.unexpectedChange("mask"));
     if (result != 1) {
         requireNone(image.buf.unexpectedChange("image"));
@@ -239,8 +214,8 @@ void fuzzDesaturation(FuzzInput& in, Layout l) {
     }
     requireNone(image.buf.unexpectedChange("image", [](int, int, int c) { return c < 3; }));
     // Painted pixels, and every pixel at strength 0, show the plain round trip.
-    for (int y = 0; y < l.height; ++y)
-        for (int x = 0; x < l.width; ++x) {
+    for (int y = 0; y < l.h; ++y)
+        for (int x = 0; x < l.w; ++x) {
             if (s != 0.0f && (mask.buf.cur(x, y) & 1) == 0) continue;
             unsigned char pixel[4], hls[4];
             for (int c = 0; c < 4; ++c) pixel[c] = image.buf.old(x, y, c);
@@ -256,23 +231,9 @@ void fuzzDesaturation(FuzzInput& in, Layout l) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzInput in(data, size);
+    static void (*const kEntries[])(FuzzInput&, Size) = {fuzzShowImageAlpha, fuzzScaleAlpha,
+                                                         fuzzKeepBlend, fuzzDesaturation};
     const int entry = in.range(0, 3);
-    Layout l{in.range(0, kMaxSide), in.range(0, kMaxSide)};
-    if (in.rarely(kBrokenOdds)) l.width = in.range(-3, -1);
-    if (in.rarely(kBrokenOdds)) l.height = in.range(-3, -1);
-    switch (entry) {
-        case 0:
-            fuzzShowImageAlpha(in, l);
-            break;
-        case 1:
-            fuzzScaleAlpha(in, l);
-            break;
-        case 2:
-            fuzzKeepBlend(in, l);
-            break;
-        default:
-            fuzzDesaturation(in, l);
-            break;
-    }
+    kEntries[entry](in, decodeSize(in, kMaxSide, kBrokenOdds));
     return 0;
 }

@@ -63,8 +63,18 @@ void requireMatches(const RKPImage& img, const Model& model) {
                     "rkRKPImageROIcopy copied the wrong samples");
 }
 
-void requireLogged(const char* entry) {
-    require(getErrMsg()[0] != '\0', std::string(entry) + " refused without a log line");
+// The samples of roi, plane by plane, from planes whose rows row(p, y) gives.
+template <typename Row>
+Model crop(int planes, int type, const RKROI& roi, Row row) {
+    Model m;
+    m.planes.assign(planes, {});
+    const int bytes = sampleBytes(type);
+    for (int p = 0; p < planes; ++p)
+        for (int y = roi.y; y < roi.y + roi.height; ++y) {
+            const unsigned char* src = row(p, y) + roi.x * bytes;
+            m.planes[p].insert(m.planes[p].end(), src, src + roi.width * bytes);
+        }
+    return m;
 }
 
 // A host-built record of borrowed planes over a guarded buffer, sometimes
@@ -100,14 +110,7 @@ void copyFromHostRecord(FuzzInput& in, Noise& noise, RKPImage* out, Model& outMo
         return;
     }
     require(result == 1, "rkRKPImageROIcopy failed on a sound host record");
-    outModel.planes.assign(planes, {});
-    const int rowBytes = roi.width * sampleBytes(type);
-    for (int p = 0; p < planes; ++p)
-        for (int y = 0; y < roi.height; ++y) {
-            const unsigned char* src =
-                bufs[p].data() + (roi.y + y) * step + roi.x * sampleBytes(type);
-            outModel.planes[p].insert(outModel.planes[p].end(), src, src + rowBytes);
-        }
+    outModel = crop(planes, type, roi, [&](int p, int y) { return bufs[p].data() + y * step; });
     requireMatches(*out, outModel);
 }
 
@@ -176,19 +179,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                                     roi.y + roi.height <= src.height;
                 const bool copyable = src.numPlane == 1 || src.numPlane == 3;
                 Model expected;
-                if (known && inside && copyable) {
-                    const int rowBytes = roi.width * sampleBytes(src.type);
-                    expected.planes.assign(src.numPlane, {});
-                    for (int p = 0; p < src.numPlane; ++p)
-                        for (int y = 0; y < roi.height; ++y) {
-                            const auto* row =
-                                model[s].planes[p].data() +
-                                static_cast<size_t>(roi.y + y) * src.width * sampleBytes(src.type) +
-                                roi.x * sampleBytes(src.type);
-                            expected.planes[p].insert(expected.planes[p].end(), row,
-                                                      row + rowBytes);
-                        }
-                }
+                if (known && inside && copyable)
+                    expected = crop(src.numPlane, src.type, roi, [&](int p, int y) {
+                        return model[s].planes[p].data() +
+                               static_cast<size_t>(y) * src.width * sampleBytes(src.type);
+                    });
                 clearErrMsg();
                 const int r = rkRKPImageROIcopy(&src, &roi, slot[t]);
                 require(r == 1 || r == -1 || r == -2, "rkRKPImageROIcopy: undocumented result");

@@ -37,6 +37,18 @@ class FuzzInput {
     size_t pos_ = 0;
 };
 
+// A picture size, each side in [lo, maxSide] and now and then below lo (a
+// negative side, or zero when lo is 1): a size the entries must refuse.
+struct Size {
+    int w, h;
+};
+inline Size decodeSize(FuzzInput& in, int maxSide, int brokenOdds, int lo = 0) {
+    Size s{in.range(lo, maxSide), in.range(lo, maxSide)};
+    if (in.rarely(brokenOdds)) s.w = in.range(-3, lo - 1);
+    if (in.rarely(brokenOdds)) s.h = in.range(-3, lo - 1);
+    return s;
+}
+
 // Cheap deterministic noise for picture content, seeded from the input so
 // that a few bytes describe a whole picture.
 class Noise {

@@ -178,13 +178,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                          nullB ? nullptr : reinterpret_cast<float*>(gb.data()),
                          nullX ? nullptr : reinterpret_cast<float*>(gx.data()), nrhsArg, mtype);
     requireResult(kSolverResults, result, mustRefuse);
-    requireLoggedFailure("pardisoSolverOOC", result);
     requireNone(ga.unexpectedChange("a"));
     requireNone(gia.unexpectedChange("ia"));
     requireNone(gja.unexpectedChange("ja"));
-    requireNone(gx.unexpectedChange("x", [](int, int, int) { return true; }));
+    requireNone(gx.unexpectedChange("x", anyPixel));
     if (result == kRefused) return requireNone(gb.unexpectedChange("b")), 0;
-    requireNone(gb.unexpectedChange("b", [](int, int, int) { return true; }));
+    requireNone(gb.unexpectedChange("b", anyPixel));
     require(!(result == 1 && malformed(flaw)), "pardisoSolverOOC solved a malformed matrix (flaw " +
                                                    std::to_string(static_cast<int>(flaw)) + ")");
     const bool soundMatrix = flaw == Flaw::None || flaw == Flaw::Unsorted;

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "fuzz_input.h"
+
 namespace kc_fuzz {
 
 class GuardedBuffer {
@@ -108,5 +110,38 @@ class GuardedBuffer {
     long long start_ = 0;
     std::vector<unsigned char> block_, before_;
 };
+
+// Where a host buffer lies: its row bytes, its start past an aligned
+// address, and whether the host passes null instead.
+struct BufferLayout {
+    long long rowBytes;
+    int misalign;
+    bool null;
+};
+
+// Rows of width * pixelBytes plus up to maxPadding bytes, now and then short
+// by up to maxShort; up to 3 bytes misaligned; now and then null.
+inline BufferLayout decodePaddedLayout(FuzzInput& in, int width, int pixelBytes, int maxPadding,
+                                       int maxShort, int brokenOdds) {
+    long long rowBytes = static_cast<long long>(width) * pixelBytes + in.range(0, maxPadding);
+    if (in.rarely(brokenOdds)) rowBytes -= in.range(1, maxShort);
+    const int misalign = in.range(0, 3);
+    return {rowBytes, misalign, in.rarely(brokenOdds)};
+}
+
+// A guarded buffer as the host passes it: null now and then.
+struct HostBuffer {
+    GuardedBuffer buf;
+    bool null;
+    HostBuffer(int width, int height, int pixelBytes, BufferLayout l)
+        : buf(width, height, pixelBytes, l.rowBytes, l.misalign), null(l.null) {}
+    bool usable() const { return !null && buf.valid(); }
+    unsigned char* ptr() { return null ? nullptr : buf.data(); }
+};
+
+// Every pixel byte may change (guards and row padding still may not).
+inline bool anyPixel(int, int, int) {
+    return true;
+}
 
 }  // namespace kc_fuzz

@@ -34,10 +34,17 @@ inline unsigned char maskCode(FuzzInput& in) {
                       : static_cast<unsigned char>(in.byte() & 254);
 }
 
-struct BufferLayout {
-    long long rowBytes;
-    int misalign;
-    bool null;
+// A picture of two colours split at a column, plus noise of a chosen strength.
+struct SplitColours {
+    int left[4], right[4], split, noise;
+    SplitColours(FuzzInput& in, int channels) {
+        for (int c = 0; c < channels; ++c) left[c] = in.byte(), right[c] = in.byte();
+        split = in.range(0, kMaxSide), noise = in.byte() >> in.range(0, 7);
+    }
+    unsigned char at(int x, int c, Noise& rng) const {
+        const int n = noise ? static_cast<int>(rng.next() % (noise + 1)) - noise / 2 : 0;
+        return static_cast<unsigned char>(std::clamp((x < split ? left[c] : right[c]) + n, 0, 255));
+    }
 };
 
 inline BufferLayout decodeLayout(FuzzInput& in, int width, int pixelBytes) {
@@ -82,10 +89,8 @@ struct RequestFixture {
     RKPSStructMsk2 before{};
 
     explicit RequestFixture(FuzzInput& in) {
-        w = in.range(1, kMaxSide);
-        h = in.range(1, kMaxSide);
-        if (in.rarely(kBrokenOdds)) w = in.range(-3, 0);
-        if (in.rarely(kBrokenOdds)) h = in.range(-3, 0);
+        const Size sides = decodeSize(in, kMaxSide, kBrokenOdds, 1);
+        w = sides.w, h = sides.h;
 
         const BufferLayout li = decodeLayout(in, w, kPictureBytes), lm = decodeLayout(in, w, 1),
                            lb = decodeLayout(in, w, 1), lf = decodeLayout(in, w, kPictureBytes);
@@ -95,11 +100,8 @@ struct RequestFixture {
         foreground.emplace(w, h, kPictureBytes, lf.rowBytes, lf.misalign);
         nullImage = li.null, nullMask = lm.null, nullBrush = lb.null, nullForeground = lf.null;
 
-        // Picture: two colours split at a column, plus noise of a chosen
-        // strength; the fourth byte is one constant.
-        int left[3], right[3];
-        for (int c = 0; c < 3; ++c) left[c] = in.byte(), right[c] = in.byte();
-        const int split = in.range(0, kMaxSide), noise = in.byte() >> in.range(0, 7);
+        // Picture: the fourth byte is one constant.
+        const SplitColours colours(in, 3);
         const unsigned char fourth = in.byte();
         Noise rng(in.dword());
         const size_t pixels = static_cast<size_t>(std::max(w, 0)) * std::max(h, 0);
@@ -107,13 +109,7 @@ struct RequestFixture {
         for (size_t i = 0; i < picture.size(); ++i) {
             const int c = static_cast<int>(i % kPictureBytes),
                       x = static_cast<int>(i / kPictureBytes) % w;
-            if (c == 3) {
-                picture[i] = fourth;
-                continue;
-            }
-            const int base = x < split ? left[c] : right[c];
-            const int n = noise ? static_cast<int>(rng.next() % (noise + 1)) - noise / 2 : 0;
-            picture[i] = static_cast<unsigned char>(std::clamp(base + n, 0, 255));
+            picture[i] = c == 3 ? fourth : colours.at(x, c, rng);
         }
         const std::vector<unsigned char> map = drawMap(in, w, h);
         const bool ownBrush = in.rarely(6);  // a map of its own: painted bytes may differ

@@ -1,6 +1,6 @@
 // Foreground recovery: quality on a sample with a known answer, the picture
 // kept exactly where the mask is whole, the detail term, the feathered
-// write, the KD-tree variant, argument refusal; the recovery-only pass (which
+// write, the KD-tree variant; the recovery-only pass (which
 // tiles run a job, with what request, how progress advances over skipped
 // tiles) and the main entry recovering the foreground.
 #include <gtest/gtest.h>
@@ -139,23 +139,6 @@ TEST(ForegroundRecovery, FeatherAndDetailTermWithIdentityExtraction) {
             }
         }
     EXPECT_GT(compared, 64 * 96 * 2);
-}
-
-// A null request or foreground, short rows, a negative size or a region
-// outside the picture are refused; a given brushInfo is read, so its rows
-// must fit, while an absent one is not read at all.
-TEST(ForegroundRecovery, EntriesRefuseBadArguments) {
-    EngineJob b(cv::Mat(20, 30, CV_8UC3, cv::Scalar(1, 2, 3)),
-                cv::Mat(20, 30, CV_8UC1, cv::Scalar(100)), kFourthByte);
-    RKPSStructMsk2 r[7] = {b.r, b.r, b.r, b.r, b.r, b.r, b.r};
-    r[0].foreground = nullptr, r[1].imageRowBytes = 30 * 4 - 1, r[2].height = -1;
-    r[3].roiX = 5, r[4].roiHeight = 0, r[5].brushInfoRowBytes = -30;
-    r[6].brushInfoRowBytes = -30, r[6].brushInfo = nullptr;
-    for (int k = 0; k < 7; ++k)
-        EXPECT_EQ(rkRecoverForegroundCell(&r[k], true), k == 6 ? 1 : -2) << k;
-    for (int k = 0; k < 3; ++k) EXPECT_EQ(rkRecoverDuringComputeOnly(&r[k]), -2) << k;
-    EXPECT_EQ(rkRecoverForegroundCell(nullptr, true), -2);
-    EXPECT_EQ(rkRecoverDuringComputeOnly(nullptr), -2);
 }
 
 int recordProgress(int current, int, void* data) {

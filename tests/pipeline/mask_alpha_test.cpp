@@ -1,6 +1,6 @@
 // The direct mask entry: its output stretch and final clamp on their own, a
 // mask with nothing to solve, the three work resolutions against the truth
-// and against each other, and the refusals.
+// and against each other, and the message of a null record.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -195,29 +195,8 @@ TEST(MaskAlpha, WorkResolutionFollowsTheLoad) {
     }
 }
 
-TEST(MaskAlpha, RefusesBrokenRecords) {
-    struct Case {
-        const char* name;
-        void (*breakIt)(RKMaskImage&);
-    };
-    const Case cases[] = {
-        {"null plane", [](RKMaskImage& r) { r.planes[1] = nullptr; }},
-        {"null alpha", [](RKMaskImage& r) { r.alpha = nullptr; }},
-        {"zero width", [](RKMaskImage& r) { r.width = 0; }},
-        {"negative height", [](RKMaskImage& r) { r.height = -3; }},
-        {"short plane rows", [](RKMaskImage& r) { r.planeRowBytes = r.width - 1; }},
-        {"short alpha rows", [](RKMaskImage& r) { r.alphaRowBytes = r.width - 1; }},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        MaskJob job;
-        const cv::Mat before = job.alpha.clone();
-        c.breakIt(job.image);
-        clearErrMsg();
-        EXPECT_EQ(job.run(0), -2);
-        EXPECT_NE(std::strstr(getErrMsg(), "rkMaskAlpha: "), nullptr);
-        EXPECT_EQ(cv::norm(job.alpha, before, cv::NORM_INF), 0);
-    }
+// Broken records are the fuzz target's; the null record's message is the host's.
+TEST(MaskAlpha, NullRecordIsRefusedWithItsMessage) {
     clearErrMsg();
     EXPECT_EQ(rkMaskAlpha(nullptr, 0, 255, 0, 255, 0, 0, 0.0f), -2);
     EXPECT_NE(std::strstr(getErrMsg(), "rkMaskAlpha: image is null"), nullptr);
