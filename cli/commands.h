@@ -13,6 +13,7 @@ struct MatteOptions {
     std::string foregroundOut;  // recovered foreground colours
     bool hires = false;         // the main entry's high-resolution pass
     bool full = false;          // one full-resolution solve instead of the main entry
+    bool fine = false;          // the fine pass: high-resolution pass plus full-resolution detail
     bool brushMap = false;      // TRIMAP is already an engine brush map
     bool hasRegion = false;
     std::array<int, 4> region{};  // x, y, w, h

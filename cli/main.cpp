@@ -22,6 +22,9 @@ int main(int argc, char** argv) {
                       "also write the recovered foreground colours here");
     matte->add_flag("--hires", m.hires, "the engine's high-resolution pass");
     matte->add_flag("--full", m.full, "solve the whole picture at full resolution (slow, exact)");
+    matte->add_flag("--fine", m.fine,
+                    "the high-resolution pass, then full-resolution detail at soft edges "
+                    "(whole pictures)");
     matte->add_flag("--map", m.brushMap, "TRIMAP is an engine brush map, not a trimap");
     matte->add_option("--region", m.region, "compute only this region: X,Y,W,H")
         ->delimiter(',')

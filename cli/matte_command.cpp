@@ -29,7 +29,7 @@ void runEngine(const MatteOptions& o, EngineJob& job) {
     // 2 leaves the computed region as it is.
     r.mergeMode = o.merge == "add" ? 1 : o.merge == "subtract" ? 0 : 2;
     r.recoverForeground = !o.cutoutOut.empty() || !o.foregroundOut.empty();
-    const int rc = runMainEntry(r, o.hires ? 1 : 0);
+    const int rc = o.fine ? runFineEntry(r) : runMainEntry(r, o.hires ? 1 : 0);
     if (rc != 1) {
         std::fprintf(stderr, "%s\n", getErrMsg());
         throw ToolError("the engine failed with code " + std::to_string(rc));
@@ -62,6 +62,8 @@ MatteSummary matteOnePair(const MatteOptions& o) {
     const auto start = std::chrono::steady_clock::now();
     EngineJob job(picture, o.brushMap ? trimap : brushMapFromTrimap(trimap));
     cv::Mat alpha;
+    if (o.fine && (o.full || o.hasRegion))
+        throw ToolError("--fine takes a whole picture and no --full");
     if (o.full) {
         if (o.brushMap || o.hasRegion)
             throw ToolError("--full takes a trimap of the whole picture");
