@@ -8,9 +8,8 @@
 //
 //   bench_fine            4 photos spread over the set
 //   KC_FINE_ALL=1         every photo; KC_FINE_PHOTOS=n: n photos spread over the set
-//   KC_FINE_SWEEP="lo,hi,margin,core,overlap,iters,tol;..."  also runs the fine
-//                         pass with these settings on case 4's alpha (12 MP only);
-//                         a leading d solves the tiles with the direct solver;
+//   KC_FINE_SWEEP="lo,hi,margin,core,overlap;..."  also runs the fine pass
+//                         with these settings on case 4's alpha (12 MP only);
 //                         with KC_FINE_SWEEP_ONLY=1 only these run
 #include <chrono>
 #include <cstdio>
@@ -103,11 +102,8 @@ std::vector<FineSettings> sweepSettings() {
     std::string one;
     while (std::getline(all, one, ';')) {
         FineSettings s = defaultFineSettings();
-        s.tiling.direct = one[0] == 'd';
-        if (s.tiling.direct) one.erase(0, 1);
-        if (std::sscanf(one.c_str(), "%d,%d,%d,%d,%d,%d,%lf", &s.band.low, &s.band.high,
-                        &s.band.margin, &s.tiling.core, &s.tiling.overlap, &s.tiling.maxIterations,
-                        &s.tiling.relTolerance) == 7)
+        if (std::sscanf(one.c_str(), "%d,%d,%d,%d,%d", &s.band.low, &s.band.high, &s.band.margin,
+                        &s.tiling.core, &s.tiling.overlap) == 5)
             out.push_back(s);
     }
     return out;
@@ -127,12 +123,9 @@ void sweep(const cv::Mat& picture, const cv::Mat& trimap, const cv::Mat& truth,
             st = computeAlphaFine(&r, s);
             return matteFromMask(job.mask);
         });
-        std::printf(
-            "  sweep %s%d,%d,%d,%d,%d,%d,%g: SAD %.2f, %.2f s (fine part), %lld vars, "
-            "%d tiles, %.1f it/tile\n",
-            s.tiling.direct ? "d" : "", s.band.low, s.band.high, s.band.margin, s.tiling.core,
-            s.tiling.overlap, s.tiling.maxIterations, s.tiling.relTolerance, run.sad, run.seconds,
-            st.variables, st.tiles, st.tiles ? double(st.iterations) / st.tiles : 0.0);
+        std::printf("  sweep %d,%d,%d,%d,%d: SAD %.2f, %.2f s (fine part), %lld vars, %d tiles\n",
+                    s.band.low, s.band.high, s.band.margin, s.tiling.core, s.tiling.overlap,
+                    run.sad, run.seconds, st.variables, st.tiles);
     }
 }
 

@@ -1,9 +1,8 @@
-// Window-by-window product of the matting Laplacian of one tile.
+// Window inverses and affinity blocks of the matting Laplacian of one tile.
 #include "matting/window_laplacian.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 namespace {
 
@@ -81,48 +80,6 @@ void WindowLaplacian::centred(int k, int j, double* c) const {
         c[ch] = kWin * static_cast<double>(colour_[ch * area + j]) - sum_[3 * k + ch];
 }
 
-void WindowLaplacian::windowProducts(const double* p, double* out) const {
-    const size_t area = static_cast<size_t>(width_) * height_;
-    std::memset(out, 0, area * sizeof(double));
-    const float* b0 = colour_.data();
-    const float* b1 = b0 + area;
-    const float* b2 = b1 + area;
-    const int w = width_;
-    const int offs[kWin] = {-w - 1, -w, -w + 1, -1, 0, 1, w - 1, w, w + 1};
-    constexpr double kNinth = 1.0 / kWin;
-    const int n = windowCount();
-    for (int k = 0; k < n; ++k) {
-        const int i = centre_[k];
-        const double s0 = sum_[3 * k], s1 = sum_[3 * k + 1], s2 = sum_[3 * k + 2];
-        double c0[kWin], c1[kWin], c2[kWin], pv[kWin];
-        double ps = 0, t0 = 0, t1 = 0, t2 = 0;
-        for (int j = 0; j < kWin; ++j) {
-            const int q = i + offs[j];
-            pv[j] = p[q];
-            c0[j] = kWin * static_cast<double>(b0[q]) - s0;
-            c1[j] = kWin * static_cast<double>(b1[q]) - s1;
-            c2[j] = kWin * static_cast<double>(b2[q]) - s2;
-            ps += pv[j];
-            t0 += c0[j] * pv[j];
-            t1 += c1[j] * pv[j];
-            t2 += c2[j] * pv[j];
-        }
-        const double* m = &inverse_[6 * static_cast<size_t>(k)];
-        const double u0 = m[0] * t0 + m[1] * t1 + m[2] * t2;
-        const double u1 = m[1] * t0 + m[3] * t1 + m[4] * t2;
-        const double u2 = m[2] * t0 + m[4] * t1 + m[5] * t2;
-        for (int j = 0; j < kWin; ++j)
-            out[i + offs[j]] += (ps + c0[j] * u0 + c1[j] * u1 + c2[j] * u2) * kNinth;
-    }
-}
-
-void WindowLaplacian::apply(const double* p, const std::vector<int>& rows, double* lp,
-                            std::vector<double>& scratch) const {
-    scratch.resize(static_cast<size_t>(width_) * height_);
-    windowProducts(p, scratch.data());
-    for (size_t r = 0; r < rows.size(); ++r) lp[r] = kWin * p[rows[r]] - scratch[rows[r]];
-}
-
 void WindowLaplacian::block(int k, double* w81) const {
     const int w = width_;
     const int offs[kWin] = {-w - 1, -w, -w + 1, -1, 0, 1, w - 1, w, w + 1};
@@ -138,25 +95,4 @@ void WindowLaplacian::block(int k, double* w81) const {
         for (int b = 0; b < kWin; ++b)
             w81[a * kWin + b] =
                 (1.0 + c[a][0] * u[b][0] + c[a][1] * u[b][1] + c[a][2] * u[b][2]) / kWin;
-}
-
-std::vector<double> WindowLaplacian::diagonal(const std::vector<int>& rows) const {
-    // L_ii = sum over windows k holding i of (1 - W^k_ii) = (8 - c_i' S_k c_i) / 9.
-    std::vector<double> plane(static_cast<size_t>(width_) * height_, 0.0);
-    const int w = width_;
-    const int offs[kWin] = {-w - 1, -w, -w + 1, -1, 0, 1, w - 1, w, w + 1};
-    for (int k = 0; k < windowCount(); ++k) {
-        const double* m = &inverse_[6 * static_cast<size_t>(k)];
-        for (int o : offs) {
-            const int q = centre_[k] + o;
-            double c[3];
-            centred(k, q, c);
-            const double g = m[0] * c[0] * c[0] + m[3] * c[1] * c[1] + m[5] * c[2] * c[2] +
-                             2.0 * (m[1] * c[0] * c[1] + m[2] * c[0] * c[2] + m[4] * c[1] * c[2]);
-            plane[q] += (kWin - 1 - g) / kWin;
-        }
-    }
-    std::vector<double> d(rows.size());
-    for (size_t r = 0; r < rows.size(); ++r) d[r] = plane[rows[r]];
-    return d;
 }

@@ -9,6 +9,9 @@
 struct FineSettings {
     FineBand band;
     FineTiling tiling;
+    // Up to this many unpainted pixels the entry skips the first pass and
+    // solves the whole band at once (solveWholeBand).
+    long long wholeBandLimit;
 };
 
 // The settings the entry uses (see fine_pass.cpp for the measurements).
@@ -18,3 +21,8 @@ FineSettings defaultFineSettings();
 // (painted pixels per brushInfo stay); results are even bytes, as every
 // computed mask byte. Throws what allocation throws.
 FineStats computeAlphaFine(RKPSStructMsk2* request, const FineSettings& settings);
+
+// Every unpainted pixel of the request's region solved in one system, the
+// painted ones tied at their values: the whole-picture closed-form solve,
+// written as even bytes. Needs no first pass.
+FineStats solveWholeBand(RKPSStructMsk2* request);

@@ -1,5 +1,5 @@
 // Fuzz target for the fine pass entry: whole-picture jobs on small pictures
-// (the first pass then solves its 501-pixel minimum, a fraction of a second),
+// (their small bands are solved whole at once, a fraction of a second),
 // region jobs and broken requests that must be refused. After each call it
 // checks what the header promises: a documented result, refusal exactly for
 // refused arguments (with a log line, nothing touched), writes only inside
