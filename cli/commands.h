@@ -15,6 +15,7 @@ struct MatteOptions {
     bool coarse = false;  // the main entry's coarse pass (the default for regions)
     bool full = false;    // one full-resolution solve instead of the main entry
     bool brushMap = false;  // TRIMAP is already an engine brush map
+    bool fine = false;      // the fine pass: high-resolution pass plus full-resolution detail
     bool hasRegion = false;
     std::array<int, 4> region{};  // x, y, w, h
     int cellMode = -1;            // -1: 0 for whole pictures, 1 for regions

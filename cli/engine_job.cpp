@@ -72,6 +72,15 @@ int runMainEntry(RKPSStructMsk2 r, int hiResPass) {
     return rc;
 }
 
+int runFineEntry(RKPSStructMsk2 r) {
+    r.progProc = drawProgressBar;
+    r.progData = nullptr;
+    clearErrMsg();
+    const int rc = rkKeepCutToAlphaFine(&r, false);
+    finishProgressBar();
+    return rc;
+}
+
 cv::Mat matteFromMask(const cv::Mat& mask) {
     cv::Mat out(mask.size(), CV_8UC1);
     rkMapToMatte(mask.data, static_cast<int>(mask.step), out.data, static_cast<int>(out.step),

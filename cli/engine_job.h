@@ -39,6 +39,9 @@ cv::Mat brushMapFromAlpha(const cv::Mat& alpha01);
 // entry's result and leaves the log for the caller to print.
 int runMainEntry(RKPSStructMsk2 r, int hiResPass);
 
+// The fine pass (rkKeepCutToAlphaFine) the same way.
+int runFineEntry(RKPSStructMsk2 r);
+
 // The 8-bit matte in a finished mask map: painted cut reads as 0.
 cv::Mat matteFromMask(const cv::Mat& mask);
 

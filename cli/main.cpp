@@ -26,10 +26,15 @@ int main(int argc, char** argv) {
     CLI::Option* coarse = matte->add_flag(
         "--coarse", m.coarse,
         "the engine's coarse pass (fastest on small pictures; the default for regions)");
+    CLI::Option* fine = matte->add_flag(
+        "--fine", m.fine,
+        "the high-resolution pass, then full-resolution detail at soft edges (whole pictures)");
     matte->add_flag("--full", m.full, "solve the whole picture at full resolution (slow, exact)")
         ->excludes(hires)
-        ->excludes(coarse);
+        ->excludes(coarse)
+        ->excludes(fine);
     hires->excludes(coarse);
+    fine->excludes(hires)->excludes(coarse);
     matte->add_flag("--map", m.brushMap, "TRIMAP is an engine brush map, not a trimap");
     matte->add_option("--region", m.region, "compute only this region: X,Y,W,H")
         ->delimiter(',')

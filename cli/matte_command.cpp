@@ -43,7 +43,7 @@ void runEngine(const MatteOptions& o, EngineJob& job) {
     r.cellMode = o.cellMode >= 0 ? o.cellMode : (o.hasRegion ? 1 : 0);
     // 2 leaves the computed region as it is.
     r.mergeMode = o.merge == "add" ? 1 : o.merge == "subtract" ? 0 : 2;
-    const int rc = runMainEntry(r, highResolutionPass(o) ? 1 : 0);
+    const int rc = o.fine ? runFineEntry(r) : runMainEntry(r, highResolutionPass(o) ? 1 : 0);
     if (rc != 1) {
         std::fprintf(stderr, "%s\n", getErrMsg());
         throw ToolError("the engine failed with code " + std::to_string(rc));
@@ -61,6 +61,8 @@ MatteSummary matteOnePair(const MatteOptions& o) {
     const auto start = std::chrono::steady_clock::now();
     EngineJob job(picture, o.brushMap ? trimap : brushMapFromTrimap(trimap));
     cv::Mat alpha;
+    if (o.fine && (o.full || o.hasRegion))
+        throw ToolError("--fine takes a whole picture and no --full");
     if (o.full) {
         if (o.brushMap || o.hasRegion)
             throw ToolError("--full takes a trimap of the whole picture");
@@ -77,6 +79,7 @@ MatteSummary matteOnePair(const MatteOptions& o) {
     if (!o.cutoutOut.empty()) writeImage(o.cutoutOut, makeCutout(colours, alpha));
     if (!o.foregroundOut.empty()) writeImage(o.foregroundOut, colours);
     const char* mode = o.full                  ? "full-resolution solve"
+                       : o.fine                ? "fine pass"
                        : highResolutionPass(o) ? "high-resolution pass"
                                                : "coarse pass";
     return {picture.size(), seconds, mode};

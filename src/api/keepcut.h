@@ -339,5 +339,7 @@ KC_EXTERN_C_END
 #include "keepcut_grabcut.h"
 /* The direct mask entry: a rough mask over colour planes to a refined alpha. */
 #include "keepcut_mask.h"
+/* The fine pass: the high-resolution pass plus full-resolution detail. */
+#include "keepcut_fine.h"
 
 #endif /* KEEPCUT_H */
