@@ -65,7 +65,7 @@ cv::Mat brushMapFromAlpha(const cv::Mat& alpha01) {
 
 int runMainEntry(RKPSStructMsk2 r, int hiResPass) {
     r.progProc = drawProgressBar;
-    r.progData = nullptr;
+    r.progData = &r;  // any non-null pointer: without one no progress is reported
     clearErrMsg();
     const int rc = rkKeepCutToAlpha(&r, hiResPass, false);
     finishProgressBar();
@@ -74,7 +74,7 @@ int runMainEntry(RKPSStructMsk2 r, int hiResPass) {
 
 int runFineEntry(RKPSStructMsk2 r) {
     r.progProc = drawProgressBar;
-    r.progData = nullptr;
+    r.progData = &r;  // any non-null pointer: without one no progress is reported
     clearErrMsg();
     const int rc = rkKeepCutToAlphaFine(&r, false);
     finishProgressBar();

@@ -109,7 +109,9 @@ TEST(WindowLaplacian, HeldDirectSolveZeroesEveryVariableRow) {
     const std::vector<double> lx = referenceProduct(t, alpha, eps);
     for (int i : rows) EXPECT_NEAR(lx[i], 0.0, 1e-6) << "pixel " << i;
     for (int i = 0; i < t.w * t.h; ++i) {
-        if (!t.vars[i]) EXPECT_EQ(alpha[i], start[i]);
+        if (!t.vars[i]) {
+            EXPECT_EQ(alpha[i], start[i]);
+        }
     }
 }
 
