@@ -22,13 +22,17 @@ int main(int argc, char** argv) {
     matte->add_option("--foreground", m.foregroundOut,
                       "also write the foreground colours (as in --cutout) here");
     CLI::Option* hires = matte->add_flag(
-        "--hires", m.hires, "the engine's high-resolution pass (the default for whole pictures)");
+        "--hires", m.hires,
+        "the engine's high-resolution pass (the default for whole pictures with more than "
+        "300000 pixels to compute)");
     CLI::Option* coarse = matte->add_flag(
         "--coarse", m.coarse,
         "the engine's coarse pass (fastest on small pictures; the default for regions)");
     CLI::Option* fine = matte->add_flag(
         "--fine", m.fine,
-        "the high-resolution pass, then full-resolution detail at soft edges (whole pictures)");
+        "full-resolution detail at soft edges after the high-resolution pass, or one "
+        "full-resolution system when the band is small (whole pictures; the default for "
+        "bands of up to 300000 pixels)");
     matte->add_flag("--full", m.full, "solve the whole picture at full resolution (slow, exact)")
         ->excludes(hires)
         ->excludes(coarse)

@@ -16,23 +16,52 @@ void checkRegion(const MatteOptions& o, const cv::Mat& picture) {
                         std::to_string(picture.rows) + " picture");
 }
 
-// The main entry's pass for these options. Whole pictures default to the
-// high-resolution pass. Measured on the public photos at their size (about
-// 0.5 MP; mean SAD and time over 27 photos, trimap1) and enlarged 5x (11 MP):
-//   0.5 MP: coarse 5.74 in 0.11 s, high-resolution 5.48 in 0.25 s, full 5.32
-//           in 0.30 s: each one trades time for accuracy;
-//   11 MP:  the coarse pass is both slower and worse than the high-resolution
-//           one (GT10: SAD 101 in 1.3-3.5 s against 74 in 0.3-0.9 s; GT04:
-//           447 in 5-11 s against 289), and --full (5-10 s, 2.6 GB) is not
-//           always better.
-// So no other mode is both faster and more accurate at either size. Regions
+// How the matte is computed.
+enum class Pass { Coarse, HighResolution, Fine, Full };
+
+const char* passName(Pass p) {
+    switch (p) {
+        case Pass::Coarse:
+            return "coarse pass";
+        case Pass::HighResolution:
+            return "high-resolution pass";
+        case Pass::Fine:
+            return "fine pass";
+        default:
+            return "full-resolution solve";
+    }
+}
+
+// Up to this many pixels to compute, the default is the fine pass, which then
+// solves the whole band at full resolution in one system (its own limit for
+// that route); above it, the high-resolution pass.
+constexpr int kSmallBand = 300000;
+
+// The pass for these options and brush map. Whole pictures without a pass
+// asked for take the fine pass on small bands and the high-resolution pass
+// on large ones. Measured (mean SAD, mean time) on the public photos:
+//   about 0.5 MP, 27 photos, both trimap sets: coarse 6.87 in 0.11 s,
+//     high-resolution 6.78 in 0.26 s, fine 6.50 in 0.33 s, full 6.47 in
+//     0.34 s;
+//   enlarged to 10-13 MP (GT01, GT07, GT14, GT21, trimap1): high-resolution
+//     80.5 in 0.5 s, fine 85.3 in 4-10 s, full slower still and refusing
+//     GT21's band; the coarse pass slower and worse than the high-resolution
+//     one (bench_wide_band: GT10 5x, 101 in 1.3-3.5 s against 74 in 0.3-0.9 s).
+// So no other pass is both faster and more accurate at either size. Regions
 // keep the coarse pass unless asked: their cases were not measured apart.
-bool highResolutionPass(const MatteOptions& o) {
-    return o.hires || (!o.coarse && !o.hasRegion);
+Pass choosePass(const MatteOptions& o, const cv::Mat& map) {
+    if (o.full) return Pass::Full;
+    if (o.fine) return Pass::Fine;
+    if (o.hires) return Pass::HighResolution;
+    if (o.coarse || o.hasRegion) return Pass::Coarse;
+    cv::Mat painted;
+    cv::bitwise_and(map, cv::Scalar(1), painted);
+    const int band = static_cast<int>(map.total()) - cv::countNonZero(painted);
+    return band <= kSmallBand ? Pass::Fine : Pass::HighResolution;
 }
 
 // Runs the main entry; prints the message log and throws on failure.
-void runEngine(const MatteOptions& o, EngineJob& job) {
+void runEngine(const MatteOptions& o, Pass pass, EngineJob& job) {
     RKPSStructMsk2 r = job.r;
     if (o.hasRegion) {
         r.roiX = o.region[0];
@@ -43,7 +72,8 @@ void runEngine(const MatteOptions& o, EngineJob& job) {
     r.cellMode = o.cellMode >= 0 ? o.cellMode : (o.hasRegion ? 1 : 0);
     // 2 leaves the computed region as it is.
     r.mergeMode = o.merge == "add" ? 1 : o.merge == "subtract" ? 0 : 2;
-    const int rc = o.fine ? runFineEntry(r) : runMainEntry(r, highResolutionPass(o) ? 1 : 0);
+    const int rc = pass == Pass::Fine ? runFineEntry(r)
+                                      : runMainEntry(r, pass == Pass::HighResolution ? 1 : 0);
     if (rc != 1) {
         std::fprintf(stderr, "%s\n", getErrMsg());
         throw ToolError("the engine failed with code " + std::to_string(rc));
@@ -63,12 +93,13 @@ MatteSummary matteOnePair(const MatteOptions& o) {
     cv::Mat alpha;
     if (o.fine && (o.full || o.hasRegion))
         throw ToolError("--fine takes a whole picture and no --full");
-    if (o.full) {
+    const Pass pass = choosePass(o, job.mask);
+    if (pass == Pass::Full) {
         if (o.brushMap || o.hasRegion)
             throw ToolError("--full takes a trimap of the whole picture");
         alpha = solveFullResolution(picture, trimap);
     } else {
-        runEngine(o, job);
+        runEngine(o, pass, job);
         alpha = matteFromMask(job.mask);
     }
     const cv::Mat colours = wantColours ? cutoutColours(picture, alpha) : cv::Mat();
@@ -78,11 +109,7 @@ MatteSummary matteOnePair(const MatteOptions& o) {
     writeImage(o.alphaOut, alpha);
     if (!o.cutoutOut.empty()) writeImage(o.cutoutOut, makeCutout(colours, alpha));
     if (!o.foregroundOut.empty()) writeImage(o.foregroundOut, colours);
-    const char* mode = o.full                  ? "full-resolution solve"
-                       : o.fine                ? "fine pass"
-                       : highResolutionPass(o) ? "high-resolution pass"
-                                               : "coarse pass";
-    return {picture.size(), seconds, mode};
+    return {picture.size(), seconds, passName(pass)};
 }
 
 int runMatte(const MatteOptions& o) {
