@@ -30,11 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     r.recoverForeground = in.flag();
     const bool progressReady = in.flag();
     const bool nullRequest = in.rarely(kNullRequestOdds);
-    const bool mustRefuse =
-        nullRequest || !f.usable(f.image, f.nullImage) || !f.usable(f.mask, f.nullMask) ||
-        !f.usable(f.brush, f.nullBrush) ||
-        ((r.recoverForeground || !f.nullForeground) && !f.usable(f.foreground, f.nullForeground)) ||
-        !f.regionInside(r) || r.cellMode != 0;
+    const bool mustRefuse = nullRequest || f.keepCutBuffersRefused(r) || r.cellMode != 0;
     f.beginCall();
     const int result = rkKeepCutToAlphaFine(nullRequest ? nullptr : &r, progressReady);
     requireResult(kKeepCutResults, result, mustRefuse);

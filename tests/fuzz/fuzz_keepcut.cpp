@@ -41,11 +41,8 @@ void fuzzKeepCut(RequestFixture& f, FuzzInput& in) {
     const bool progressReady = in.flag();
     const bool nullRequest = in.rarely(kNullRequestOdds);
 
-    const bool mustRefuse =
-        nullRequest || !f.usable(f.image, f.nullImage) || !f.usable(f.mask, f.nullMask) ||
-        !f.usable(f.brush, f.nullBrush) ||
-        ((r.recoverForeground || !f.nullForeground) && !f.usable(f.foreground, f.nullForeground)) ||
-        !f.regionInside(r) || r.cellMode < 0 || r.cellMode > kLargestCellMode;
+    const bool mustRefuse = nullRequest || f.keepCutBuffersRefused(r) || r.cellMode < 0 ||
+                            r.cellMode > kLargestCellMode;
     f.beginCall();
     const int result = rkKeepCutToAlpha(nullRequest ? nullptr : &r, hiResPass, progressReady);
     // KC_FUZZ_TRACE=1 shows each decoded call, for reading a corpus or a

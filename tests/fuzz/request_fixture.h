@@ -164,6 +164,14 @@ struct RequestFixture {
     bool usable(const std::optional<GuardedBuffer>& b, bool isNull) const {
         return !isNull && b->valid();
     }
+    // What the keep/cut entries refuse in the request's buffers and region:
+    // any unusable map or picture, a foreground that is given or asked for
+    // but unusable, a region outside the picture.
+    bool keepCutBuffersRefused(const RKPSStructMsk2& r) const {
+        return !usable(image, nullImage) || !usable(mask, nullMask) || !usable(brush, nullBrush) ||
+               ((r.recoverForeground || !nullForeground) && !usable(foreground, nullForeground)) ||
+               !regionInside(r);
+    }
     // The request's (possibly widened) region holds the pixel.
     bool inRegion(int x, int y) const {
         return x >= request.roiX && x < request.roiX + request.roiWidth && y >= request.roiY &&
