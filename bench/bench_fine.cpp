@@ -11,6 +11,8 @@
 //   KC_FINE_SWEEP="lo,hi,margin,core,overlap;..."  also runs the fine pass
 //                         with these settings on case 4's alpha (12 MP only);
 //                         with KC_FINE_SWEEP_ONLY=1 only these run
+//   KC_FINE_SOLVER="o,t"  direct solver's ordering (DirectOrdering, 0 default)
+//                         and dense-kernel threads for the whole run
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -25,6 +27,7 @@
 #include "image_io.h"
 #include "matte_metrics.h"
 #include "matting/cfmatt.h"
+#include "matting/direct_solver_stats.h"
 #include "pipeline/fine_pass.h"
 #include "support/peak_memory.h"
 
@@ -123,9 +126,11 @@ void sweep(const cv::Mat& picture, const cv::Mat& trimap, const cv::Mat& truth,
             st = computeAlphaFine(&r, s);
             return matteFromMask(job.mask);
         });
-        std::printf("  sweep %d,%d,%d,%d,%d: SAD %.2f, %.2f s (fine part), %lld vars, %d tiles\n",
-                    s.band.low, s.band.high, s.band.margin, s.tiling.core, s.tiling.overlap,
-                    run.sad, run.seconds, st.variables, st.tiles);
+        std::printf(
+            "  sweep %d,%d,%d,%d,%d: SAD %.2f, %.2f s (fine part; analysis %.2f, factor %.2f), "
+            "%lld vars, %d tiles\n",
+            s.band.low, s.band.high, s.band.margin, s.tiling.core, s.tiling.overlap, run.sad,
+            run.seconds, st.analyse, st.factorise, st.variables, st.tiles);
     }
 }
 
@@ -155,6 +160,15 @@ int main() {
         images = spread;
     }
     const std::vector<FineSettings> settings = sweepSettings();
+    // KC_FINE_SOLVER="ordering,blasThreads": the direct solver's tuning for
+    // the whole run (ordering as DirectOrdering's order, 0 = the default).
+    if (const char* t = std::getenv("KC_FINE_SOLVER")) {
+        DirectSolveTuning tuning;
+        int ordering = 0;
+        if (std::sscanf(t, "%d,%d", &ordering, &tuning.blasThreads) >= 1)
+            tuning.ordering = static_cast<DirectOrdering>(ordering);
+        setDirectSolveTuning(tuning);
+    }
 
     int bigMet = 0, smallMet = 0, rows = 0;
     for (const fs::path& in : images) {

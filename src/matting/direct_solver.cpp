@@ -364,9 +364,12 @@ double numericBytes(const cholmod_factor& L, const cholmod_common& c, int n, int
 // and lost to the grid dissection by a fifth of the flops.
 constexpr int kMinDegreeCompetesUpTo = 300000;
 
-// The orderings the analysis tries (it keeps the one with the smallest factor).
-void chooseOrderings(int n, cholmod_common* c, const int*& perm) {
-    const DirectOrdering o = g_tuning.ordering;
+// The orderings the analysis tries (it keeps the one with the smallest factor);
+// givenOnly leaves perm alone unless the benchmark asked for another choice.
+void chooseOrderings(int n, cholmod_common* c, const int*& perm, bool givenOnly) {
+    const DirectOrdering o = givenOnly && g_tuning.ordering == DirectOrdering::GivenOrMinDegree
+                                 ? DirectOrdering::GivenOnly
+                                 : g_tuning.ordering;
     if (o == DirectOrdering::MinDegree || o == DirectOrdering::LibraryDefault ||
         o == DirectOrdering::GraphPartition)
         perm = nullptr;
@@ -408,7 +411,7 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
         if (cc.outOfMemory()) return Outcome::OutOfMemory;
         throw kErrSolverAnalysis;
     }
-    chooseOrderings(n, c, perm);
+    chooseOrderings(n, c, perm, false);
     applyRelaxation(c);
     FactorPtr L(cholmod_analyze_p(A.get(), const_cast<int*>(perm), nullptr, 0, c), FactorDel{c});
     if (!L) {
@@ -479,6 +482,94 @@ Outcome solveUpper(int n, const Real* a, const int* ia, const int* ja, Real* b, 
 }
 
 }  // namespace
+
+// ---- a factor kept for a later right-hand side -------------------------------
+struct DirectFactor::State {
+    CholmodCommon cc;
+    SparsePtr A{nullptr, SparseDel{&cc.c}};
+    FactorPtr L{nullptr, FactorDel{&cc.c}};
+    int n = 0;
+    int round = 0;  // index of the diagonal shift the factor carries
+    double scale = 1.0;
+    double analyse = 0.0, factorise = 0.0;
+
+    // Factorises with the shift of this round and the following ones until
+    // the matrix proves positive definite. Takes the solver's turn.
+    // The shifts solveUpper tries, in the same order.
+    static constexpr double kShifts[] = {0.0, kPivotPerturbation, kPivotPerturbation * 1e2,
+                                         kPivotPerturbation * 1e4};
+    static constexpr int kRounds = static_cast<int>(sizeof(kShifts) / sizeof(kShifts[0]));
+
+    void factoriseFrom(int first) {
+        cholmod_common* c = &cc.c;
+        const std::lock_guard<std::mutex> turn(solveLock());
+        const SolveThreadScope threads(g_tuning.blasThreads > 0 ? g_tuning.blasThreads
+                                                                : kSolveThreads);
+        if (numericBytes(*L, *c, n, 1) > machineHeadroomBytes() || !blasBufferReady())
+            throw kErrSolverFactor;
+        for (round = first; round < kRounds; ++round) {
+            double beta[2] = {kShifts[round] * scale, 0.0};
+            const auto t0 = std::chrono::steady_clock::now();
+            cholmod_factorize_p(A.get(), beta, nullptr, 0, L.get(), c);
+            factorise += secondsSince(t0);
+            if (c->status < 0 || cc.outOfMemory()) throw kErrSolverFactor;
+            if (c->status != CHOLMOD_NOT_POSDEF) return;
+        }
+        throw kErrSolverFactor;
+    }
+    bool lastRound() const { return round >= kRounds - 1; }
+};
+
+DirectFactor::DirectFactor(int n, const double* a, const int* ia, const int* ja, const int* perm)
+    : s_(std::make_unique<State>()) {
+    if (n < 1 || !a || !ia || !ja || upperCsrFault(n, ia, ja)) throw kErrSolverAnalysis;
+    cholmod_common* c = &s_->cc.c;
+    s_->n = n;
+    const auto t0 = std::chrono::steady_clock::now();
+    s_->A.reset(lowerCscFromUpperCsr(n, a, ia, ja, c));
+    if (!s_->A) throw s_->cc.outOfMemory() ? kErrSolverFactor : kErrSolverAnalysis;
+    chooseOrderings(n, c, perm, true);
+    applyRelaxation(c);
+    s_->L.reset(cholmod_analyze_p(s_->A.get(), const_cast<int*>(perm), nullptr, 0, c));
+    if (!s_->L) throw s_->cc.outOfMemory() ? kErrSolverFactor : kErrSolverAnalysis;
+    s_->analyse = secondsSince(t0);
+    s_->scale = std::max(largestDiagonal(s_->A.get()), 1.0);
+    progressKick();
+    s_->factoriseFrom(0);
+}
+
+DirectFactor::~DirectFactor() = default;
+DirectFactor::DirectFactor(DirectFactor&&) noexcept = default;
+DirectFactor& DirectFactor::operator=(DirectFactor&&) noexcept = default;
+
+void DirectFactor::solve(double* b) {
+    cholmod_common* c = &s_->cc.c;
+    const int n = s_->n;
+    DensePtr B(cholmod_allocate_dense(n, 1, n, CHOLMOD_REAL, c), DenseDel{c});
+    DensePtr X(cholmod_allocate_dense(n, 1, n, CHOLMOD_REAL, c), DenseDel{c});
+    if (!B || !X) throw kErrSolverFactor;
+    std::copy_n(b, n, static_cast<double*>(B->x));
+    for (;;) {
+        {
+            const std::lock_guard<std::mutex> turn(solveLock());
+            const SolveThreadScope threads(g_tuning.blasThreads > 0 ? g_tuning.blasThreads
+                                                                    : kSolveThreads);
+            if (solveByColumns(*s_->L, *B, *X, c) == Outcome::OutOfMemory) throw kErrSolverFactor;
+        }
+        if (allFinite(X.get())) break;
+        // Too close to semidefinite for a finite solution: a larger shift.
+        if (s_->lastRound()) throw kErrSolverSolve;
+        s_->factoriseFrom(s_->round + 1);
+    }
+    std::copy_n(static_cast<const double*>(X->x), n, b);
+}
+
+double DirectFactor::analyseSeconds() const {
+    return s_->analyse;
+}
+double DirectFactor::factoriseSeconds() const {
+    return s_->factorise;
+}
 
 const DirectSolveTimes& lastDirectSolveTimes() {
     return g_lastTimes;

@@ -6,6 +6,8 @@
 // factorisation, 123 solve. Running out of memory is a result, not a throw.
 #pragma once
 
+#include <memory>
+
 #include "api/keepcut.h"
 
 // Thrown codes of the three phases.
@@ -30,6 +32,31 @@ int pardisoSolverIC(int n, float* a, int* ia, int* ja, float* b, float* x, int n
                     const int* perm = nullptr);
 int pardisoSolverIC(int n, double* a, int* ia, int* ja, double* b, double* x, int nrhs, int mtype,
                     const int* perm = nullptr);
+
+// A symmetric positive definite system factorised now and solved for a
+// right-hand side known later. The analysis never enters the dense kernels and
+// runs without waiting for other solves; the factorisation and the solve take
+// turns with them. Upper CSR as for pardisoSolverIC, ordered by perm alone
+// (no minimum degree competing: for grid-like systems, where it never won).
+// Phase failures throw 121/122/123 as above, running out of memory 122.
+class DirectFactor {
+  public:
+    DirectFactor(int n, const double* a, const int* ia, const int* ja, const int* perm);
+    ~DirectFactor();
+    DirectFactor(DirectFactor&&) noexcept;
+    DirectFactor& operator=(DirectFactor&&) noexcept;
+    DirectFactor(const DirectFactor&) = delete;
+    DirectFactor& operator=(const DirectFactor&) = delete;
+
+    // The solution replaces b (n values).
+    void solve(double* b);
+    double analyseSeconds() const;
+    double factoriseSeconds() const;
+
+  private:
+    struct State;
+    std::unique_ptr<State> s_;
+};
 
 // The out-of-core variant is pardisoSolverOOC, exported to hosts (api/keepcut.h).
 

@@ -30,6 +30,15 @@ constexpr long long kWholeBandLimit = 300000;
 //    system is too ill-conditioned for them. Of the solve, factorisation
 //    takes about 1.6 s, analysis 0.5 to 0.8 s, assembly 0.35 s, the window
 //    inverses 0.1 s;
+//  - solver: the tiles' own grid dissection alone, without minimum degree
+//    competing, halved the analysis (0.65-0.81 s to 0.37 s on GT01 and
+//    GT14 at 10 MP, same SAD, factorisation unchanged within the noise);
+//    tiles prepared (assembled, analysed, factorised) two ahead on other
+//    threads while the current one is solved: fine part 3.15-3.4 s with
+//    none ahead, 2.35-2.7 s with two, no better with three. Entry in all
+//    (case 4 included): GT01 4.2 s to 2.9 s, GT14 3.1 s at SAD 25.00 and
+//    34.84 unchanged. Two dense-kernel threads per factorisation: no gain
+//    beyond the noise;
 //  - band: alpha bytes 2..252 widened by 16 pixels: SAD 25.00 in 3.1 s (the
 //    fine part); by 8, 25.15 in 2.8 s; by 4, 25.28 in 2.6 s; bytes 8..246
 //    widened by 8, 29.45. Case 4's bytes outside the band are clipped to
@@ -37,7 +46,9 @@ constexpr long long kWholeBandLimit = 300000;
 //    edge pulls the band away from the full solve;
 //  - tiles: 512-pixel cores with 16 pixels of context; 1024-pixel cores
 //    scored 24.82 in 5.4 s, 256-pixel ones 29.3 (context too short for the
-//    Laplacian's long reach), one tile over the whole band 24.73 in 5.0 s.
+//    Laplacian's long reach), 384-pixel ones 28.65 on GT01 (35.53 against
+//    34.84 on GT14) for a fifth less time, one tile over the whole band
+//    24.73 in 5.0 s.
 FineSettings defaultFineSettings() {
     FineSettings s;
     s.band = {2, 252, 16};

@@ -46,8 +46,8 @@ int directFloat(const Eigen::MatrixXd& M, std::vector<float>& b, int badColumnAt
     }
 }
 
-// Float, double and out-of-core solves against a dense one, with and without
-// a given ordering, down to a single unknown.
+// Float, double, out-of-core and kept-factor solves against a dense one, with
+// and without a given ordering, down to a single unknown.
 TEST(DirectSolver, MatchesDenseSolveInBothPrecisions) {
     for (int n : {1, 60}) {
         const Eigen::MatrixXd M = randomSpd(n, 3);
@@ -69,9 +69,16 @@ TEST(DirectSolver, MatchesDenseSolveInBothPrecisions) {
         ASSERT_EQ(pardisoSolverOOC(n, csrf.a.data(), csrf.ia.data(), csrf.ja.data(), bo.data(),
                                    nullptr, 1, kMtypeSymIndefinite),
                   1);
+        // A kept factor, solved twice: the second solve must not see the first.
+        DirectFactor kept(n, csr.a.data(), csr.ia.data(), csr.ja.data(), perm.data());
+        std::vector<double> bk(n, 7.0);
+        kept.solve(bk.data());
+        bk.assign(rhs.data(), rhs.data() + n);
+        kept.solve(bk.data());
         for (int i = 0; i < n; ++i) {
             EXPECT_NEAR(bd[i], ref[i], 1e-9 * (1 + std::fabs(ref[i])));
             EXPECT_NEAR(bp[i], bd[i], 1e-9 * (1 + std::fabs(ref[i])));
+            EXPECT_NEAR(bk[i], bd[i], 1e-9 * (1 + std::fabs(ref[i])));
             EXPECT_NEAR(bf[i], ref[i], 1e-4 * (1 + std::fabs(ref[i])));
             EXPECT_EQ(bo[i], bf[i]);
         }
