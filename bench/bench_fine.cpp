@@ -127,7 +127,7 @@ void sweep(const cv::Mat& picture, const cv::Mat& trimap, const cv::Mat& truth,
             return matteFromMask(job.mask);
         });
         std::printf(
-            "  sweep %d,%d,%d,%d,%d: SAD %.2f, %.2f s (fine part; analysis %.2f, factor %.2f), "
+            "  sweep %d,%d,%d,%d,%d: SAD %.2f, %.2f s (tiled stage; analysis %.2f, factor %.2f), "
             "%lld vars, %d tiles\n",
             s.band.low, s.band.high, s.band.margin, s.tiling.core, s.tiling.overlap, run.sad,
             run.seconds, st.analyse, st.factorise, st.variables, st.tiles);

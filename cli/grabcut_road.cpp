@@ -53,14 +53,11 @@ GrabCutSelection::GrabCutSelection(const cv::Mat& imageBgrx, const cv::Rect& rec
     : map_(imageBgrx.size(), CV_8UC1, cv::Scalar(kHardBackground)),
       brush_(imageBgrx.size(), CV_8UC1, cv::Scalar(0)) {
     map_(rect).setTo(kProbableForeground);
-    r_.image = imageBgrx.data;
-    r_.imageRowBytes = static_cast<int>(imageBgrx.step);
-    r_.mask = map_.data;
-    r_.maskRowBytes = static_cast<int>(map_.step);
-    r_.brushInfo = brush_.data;
-    r_.brushInfoRowBytes = static_cast<int>(brush_.step);
-    r_.width = r_.gcWidth = imageBgrx.cols;
-    r_.height = r_.gcHeight = imageBgrx.rows;
+    // The entries only read the picture; GrabCut has no use for a foreground.
+    cv::Mat picture = imageBgrx, noForeground;
+    r_ = wholePictureRequest(picture, map_, noForeground, brush_);
+    r_.gcWidth = imageBgrx.cols;
+    r_.gcHeight = imageBgrx.rows;
 }
 
 GrabCutSelection::~GrabCutSelection() {

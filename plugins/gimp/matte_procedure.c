@@ -7,8 +7,6 @@
 /* Unpainted start value of the compute band, as the keepcut tool gives it:
    even (not painted) and mid-way, so the result equals `keepcut matte`'s. */
 #define KC_BAND_START 128
-/* Leaves the computed alpha as it is rather than merging it into the map. */
-#define KC_MERGE_AS_COMPUTED 2
 
 /* The area of `trimap` lying under `layer`, in the trimap's coordinates;
    FALSE when the trimap does not cover the whole layer. */
@@ -80,18 +78,7 @@ gboolean runMatte(gint32 image, gint32 layer, const MatteArgs* args, GString* er
     memcpy(brushInfo, mask, n);
 
     RKPSStructMsk2 r;
-    memset(&r, 0, sizeof r);
-    r.image = bgrx;
-    r.imageRowBytes = w * 4;
-    r.mask = mask;
-    r.maskRowBytes = w;
-    r.brushInfo = brushInfo;
-    r.brushInfoRowBytes = w;
-    r.width = r.roiWidth = w;
-    r.height = r.roiHeight = h;
-    r.mergeMode = KC_MERGE_AS_COMPUTED;
-    r.progProc = progressToGimp;
-    r.progData = &r;  // any non-null pointer: without one no progress is reported
+    wholeLayerRequest(&r, bgrx, mask, brushInfo, w, h);
 
     gimp_progress_init("Computing the matte");
     clearErrMsg();

@@ -62,6 +62,24 @@ void readPicture(gint32 layer, gint width, gint height, guchar* rgba, guchar* bg
     }
 }
 
+void wholeLayerRequest(RKPSStructMsk2* r, guchar* bgrx, guchar* mask, guchar* brushInfo, gint w,
+                       gint h) {
+    /* mergeMode 2 leaves a computed region as it is. */
+    enum { kMergeAsComputed = 2 };
+    memset(r, 0, sizeof *r);
+    r->image = bgrx;
+    r->imageRowBytes = w * 4;
+    r->mask = mask;
+    r->maskRowBytes = w;
+    r->brushInfo = brushInfo;
+    r->brushInfoRowBytes = w;
+    r->width = r->roiWidth = r->gcWidth = w;
+    r->height = r->roiHeight = r->gcHeight = h;
+    r->mergeMode = kMergeAsComputed;
+    r->progProc = progressToGimp;
+    r->progData = r; /* any non-null pointer: without one no progress is reported */
+}
+
 int progressToGimp(int current, int total, void* data) {
     (void)data;
     if (total > 0) gimp_progress_update((gdouble)current / total);

@@ -38,6 +38,12 @@ void readPicture(gint32 layer, gint width, gint height, guchar* rgba, guchar* bg
 /* The engine's progress callback, driving GIMP's progress bar. */
 int progressToGimp(int current, int total, void* data);
 
+/* A request over a whole w x h layer: the B,G,R,x picture and the two maps
+   (1 byte a pixel, tightly packed), the keep/cut and GrabCut regions both the
+   whole layer, region results kept as computed, progress to GIMP's bar. */
+void wholeLayerRequest(RKPSStructMsk2* r, guchar* bgrx, guchar* mask, guchar* brushInfo, gint w,
+                       gint h);
+
 /* The last line of the engine's message log, for error messages. */
 const char* lastEngineMessage(void);
 

@@ -133,17 +133,7 @@ gboolean runTrimapFromSelection(gint32 image, gint32 layer, gint band, gint32* c
         map[i] = map[i] >= KC_INSIDE_FROM ? KC_PROBABLE_FOREGROUND : KC_HARD_BACKGROUND;
 
     RKPSStructMsk2 r;
-    memset(&r, 0, sizeof r);
-    r.image = bgrx;
-    r.imageRowBytes = w * 4;
-    r.mask = map;
-    r.maskRowBytes = w;
-    r.brushInfo = brush;
-    r.brushInfoRowBytes = w;
-    r.width = r.gcWidth = w;
-    r.height = r.gcHeight = h;
-    r.progProc = progressToGimp;
-    r.progData = &r;  // any non-null pointer: without one no progress is reported
+    wholeLayerRequest(&r, bgrx, map, brush, w, h);
     const gint bandWidth = band > 0 ? band : automaticBand(w, h);
     if (!cutToTrimap(&r, bandWidth, error)) goto done;
 

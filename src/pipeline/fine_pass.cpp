@@ -34,13 +34,13 @@ constexpr long long kWholeBandLimit = 300000;
 //    competing, halved the analysis (0.65-0.81 s to 0.37 s on GT01 and
 //    GT14 at 10 MP, same SAD, factorisation unchanged within the noise);
 //    tiles prepared (assembled, analysed, factorised) two ahead on other
-//    threads while the current one is solved: fine part 3.15-3.4 s with
+//    threads while the current one is solved: tiled stage 3.15-3.4 s with
 //    none ahead, 2.35-2.7 s with two, no better with three. Entry in all
 //    (case 4 included): GT01 4.2 s to 2.9 s, GT14 3.1 s at SAD 25.00 and
 //    34.84 unchanged. Two dense-kernel threads per factorisation: no gain
 //    beyond the noise;
 //  - band: alpha bytes 2..252 widened by 16 pixels: SAD 25.00 in 3.1 s (the
-//    fine part); by 8, 25.15 in 2.8 s; by 4, 25.28 in 2.6 s; bytes 8..246
+//    tiled stage); by 8, 25.15 in 2.8 s; by 4, 25.28 in 2.6 s; bytes 8..246
 //    widened by 8, 29.45. Case 4's bytes outside the band are clipped to
 //    0..1 where the free solution dips below 0, so holding them near the
 //    edge pulls the band away from the full solve;

@@ -53,7 +53,7 @@ constexpr int kSide = 3;
 
 // Tiles prepared at once: with two, one is assembled and analysed while the
 // other is being factorised, which keeps both cores busy. Measured on GT01 and
-// GT14 at 10 MP (fine part): one ahead 3.15 / 3.4 s (the serial time), two
+// GT14 at 10 MP (tiled stage): one ahead 3.15 / 3.4 s (the serial time), two
 // 2.4 / 2.7 s, three no better; each tile ahead holds its factor.
 constexpr size_t kAhead = 2;
 
