@@ -43,10 +43,13 @@ constexpr int kSmallBand = 300000;
 //   about 0.5 MP, 27 photos, both trimap sets: coarse 6.87 in 0.11 s,
 //     high-resolution 6.78 in 0.26 s, fine 6.50 in 0.33 s, full 6.47 in
 //     0.34 s;
-//   enlarged to 10-13 MP (GT01, GT07, GT14, GT21, trimap1): high-resolution
-//     80.5 in 0.5 s, fine 85.3 in 4-10 s, full slower still and refusing
-//     GT21's band; the coarse pass slower and worse than the high-resolution
-//     one (bench_wide_band: GT10 5x, 101 in 1.3-3.5 s against 74 in 0.3-0.9 s).
+//   enlarged to 10-13 MP (GT01, GT07, GT14, GT21, trimap1; bench_fine):
+//     high-resolution 80.5 in 0.42 s, coarse 99.3 in 1.4 s, fine 85.3 in
+//     2.8-7.3 s, full slower still and refusing GT21's band. Per photo the
+//     coarse pass is more accurate on GT01 only (28.0 against 32.7), and
+//     there 2.6 times slower; on wide bands (bench_quality's wide-band table,
+//     GT10 at 5x: 101 in 1.1 s against 74 in 0.3 s) it is both slower and
+//     worse.
 // So no other pass is both faster and more accurate at either size. Regions
 // keep the coarse pass unless asked: their cases were not measured apart.
 Pass choosePass(const MatteOptions& o, const cv::Mat& map) {
