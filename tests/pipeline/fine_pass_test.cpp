@@ -1,7 +1,8 @@
 // The fine pass: its tiles change only soft-edge pixels of the first pass's
-// result, every route keeps painted pixels and brings the generated sample
-// closer to its true matte than case 4 does, and the entry refuses what the
-// keep/cut entry refuses plus region jobs.
+// result and come within a pinned budget of the full-resolution solve of the
+// whole band; every route keeps painted pixels and brings the generated
+// sample closer to its true matte than case 4 does; the entry refuses what
+// the keep/cut entry refuses plus region jobs.
 #include "pipeline/fine_pass.h"
 
 #include <gtest/gtest.h>
@@ -19,20 +20,29 @@ using keepcut_test::KeepCutJob;
 // Large enough that case 4 works at reduced scale (about 2.4 times smaller).
 constexpr int kWidth = 1200;
 constexpr int kHeight = 900;
+// How far the tiles may sit from the whole-band solve (the full-resolution
+// closed-form answer), in byte levels per pixel of the soft band. Measured on
+// this sample: 0.41 with the entry's settings; a band without its margin
+// 14.1, half the margin 0.95, tiles without context 1.11, 256-pixel tiles
+// with 4 of context 2.53. Against this sample's truth most of them score
+// better, not worse (its soft band favours case 4's values): the truth could
+// not pin the budget.
+constexpr double kTilesBudget = 0.6;
 
 // The entry (whichever route its band size picks), and each route on its own:
-// tiles over case 4's alpha change only the soft band; the whole-band solve
-// may change every unpainted pixel. Each keeps painted pixels and even bytes
-// and beats case 4 on the generated sample; the entry's colours beat the
-// picture's on soft pixels.
+// tiles over case 4's alpha change only the soft band and stay within the
+// budget of the whole-band solve, which may change every unpainted pixel.
+// Each keeps painted pixels and even bytes and beats case 4 on the generated
+// sample; the entry's colours beat the picture's on soft pixels.
 TEST(FinePass, KeepsPaintedPixelsAndBeatsTheHighResolutionPass) {
-    enum class Route { Entry, Tiles, WholeBand };
+    enum class Route { WholeBand, Tiles, Entry };
     KeepCutJob coarse(kWidth, kHeight);
     ASSERT_EQ(rkKeepCutToAlpha(&coarse.request, 1, false), 1);
     const cv::Mat painted = (coarse.sample.trimap == 0) | (coarse.sample.trimap == 255);
     const cv::Mat softBand =
         fineVariables(matteFromMask(coarse.mask), painted, defaultFineSettings().band);
-    for (Route route : {Route::Entry, Route::Tiles, Route::WholeBand}) {
+    cv::Mat wholeBand;
+    for (Route route : {Route::WholeBand, Route::Tiles, Route::Entry}) {
         SCOPED_TRACE(static_cast<int>(route));
         KeepCutJob fine(kWidth, kHeight);
         if (route == Route::Entry) {
@@ -57,9 +67,13 @@ TEST(FinePass, KeepsPaintedPixelsAndBeatsTheHighResolutionPass) {
             EXPECT_GT(st.variables, 0);
         }
         const cv::Mat changed = fine.mask != coarse.mask;
+        if (route == Route::WholeBand) wholeBand = fine.mask.clone();
         if (route == Route::Tiles) {
             EXPECT_EQ(cv::countNonZero(changed & ~softBand), 0)
                 << "a pixel outside the band changed";
+            EXPECT_LE(
+                cv::norm(fine.mask, wholeBand, cv::NORM_L1, softBand) / cv::countNonZero(softBand),
+                kTilesBudget);
         }
         EXPECT_EQ(cv::countNonZero((fine.mask != fine.brush) & painted), 0)
             << "a painted pixel moved";
