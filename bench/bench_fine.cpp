@@ -16,12 +16,13 @@
 //                         with KC_FINE_SWEEP_ONLY=1 only these run
 //   KC_FINE_SOLVER="o,t"  direct solver's ordering (DirectOrdering, 0 default)
 //                         and dense-kernel threads for the whole run
+#include <malloc.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <malloc.h>
 #include <opencv2/imgproc.hpp>
 #include <sstream>
 #include <string>
@@ -174,10 +175,13 @@ int main() {
         images = spread;
     }
     if (const char* names = std::getenv("KC_FINE_NAMES")) {
-        const std::string list = std::string(",") + names + ",";
+        std::vector<std::string> wanted;
+        std::stringstream list(names);
+        for (std::string name; std::getline(list, name, ',');) wanted.push_back(name);
         std::vector<fs::path> chosen;
         for (const fs::path& p : images)
-            if (list.find("," + p.stem().string() + ",") != std::string::npos) chosen.push_back(p);
+            if (std::find(wanted.begin(), wanted.end(), p.stem().string()) != wanted.end())
+                chosen.push_back(p);
         images = chosen;
     }
     const std::vector<FineSettings> settings = sweepSettings();
