@@ -11,8 +11,14 @@
    the first pass's result exactly. When the unpainted band is small (up to
    300 000 pixels) the first pass is skipped: the whole band is solved at full
    resolution in one system, which is then both faster and closer to the
-   closed-form solution; every unpainted pixel may then change. Memory stays
-   near that of the first pass.
+   closed-form solution; every unpainted pixel may then change.
+
+   Cost grows with the soft band, not with the picture alone. Measured on two
+   cores with photos enlarged to 10-13 megapixels: 3 to 8 s and 0.5 to 0.8 GB
+   above the host's own buffers, where the first pass alone takes 0.4 to
+   0.6 s and 0.2 to 0.3 GB; a soft band of 4.7 million pixels took 17 s. At
+   half a megapixel it took 0.1 to 1 s, 0.3 s on average (the first pass
+   alone 0.25 s).
 
    The request is read and written as rkKeepCutToAlpha reads and writes it
    (keepcut.h), with these differences: cellMode must be 0 (whole-picture
