@@ -23,7 +23,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <opencv2/imgproc.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -35,6 +34,7 @@
 #include "matting/cfmatt.h"
 #include "matting/direct_solver_stats.h"
 #include "pipeline/fine_pass.h"
+#include "support/enlarged_photo.h"
 #include "support/peak_memory.h"
 
 namespace {
@@ -206,14 +206,13 @@ int main() {
         ++rows;
         const bool sweepOnly = !settings.empty() && std::getenv("KC_FINE_SWEEP_ONLY");
         for (int big = 1; big >= (sweepOnly ? 1 : 0); --big) {
-            cv::Mat picture = picture0, trimap = trimap0, truth = truth0;
+            Photo photo{picture0, trimap0, truth0};
             if (big) {
                 const double f = double(kLongSide) / std::max(picture0.cols, picture0.rows);
-                const cv::Size size(cvRound(picture0.cols * f), cvRound(picture0.rows * f));
-                cv::resize(picture0, picture, size, 0, 0, cv::INTER_CUBIC);
-                cv::resize(trimap0, trimap, size, 0, 0, cv::INTER_NEAREST);
-                cv::resize(truth0, truth, size, 0, 0, cv::INTER_LINEAR);
+                photo = enlargePhoto(
+                    photo, cv::Size(cvRound(picture0.cols * f), cvRound(picture0.rows * f)));
             }
+            const cv::Mat &picture = photo.picture, &trimap = photo.trimap, &truth = photo.truth;
             if (sweepOnly) {
                 std::printf("%-5s %4.1f MP\n", in.stem().c_str(), picture.total() / 1e6);
                 sweep(picture, trimap, truth, settings);

@@ -19,7 +19,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <opencv2/imgproc.hpp>
 #include <string>
 #include <vector>
 
@@ -27,6 +26,7 @@
 #include "full_solve.h"
 #include "image_io.h"
 #include "matte_metrics.h"
+#include "support/enlarged_photo.h"
 
 namespace {
 
@@ -125,11 +125,10 @@ void wideBandTable(const fs::path& root) {
             const cv::Mat trimap0 = loadTrimap(tri.string(), picture0.size());
             const cv::Mat truth0 = loadTrimap(gt.string(), picture0.size());
             for (int scale : kWideScales) {
-                cv::Mat picture, trimap, truth;
-                const cv::Size size(picture0.cols * scale, picture0.rows * scale);
-                cv::resize(picture0, picture, size, 0, 0, cv::INTER_CUBIC);
-                cv::resize(truth0, truth, size, 0, 0, cv::INTER_LINEAR);
-                cv::resize(trimap0, trimap, size, 0, 0, cv::INTER_NEAREST);
+                const Photo big =
+                    enlargePhoto({picture0, trimap0, truth0},
+                                 cv::Size(picture0.cols * scale, picture0.rows * scale));
+                const cv::Mat &picture = big.picture, &trimap = big.trimap, &truth = big.truth;
                 const double mp = picture.total() / kPixelsPerMegapixel;
                 const Score runs[] = {runEntry(picture, trimap, truth, 0),
                                       runEntry(picture, trimap, truth, 1),
